@@ -1,0 +1,56 @@
+#pragma once
+
+#include <string>
+
+#include "zelcore/TCIMValue.h"
+#include "zelcore/detail/Export.h"
+
+class TCIMPropertyDecl;
+class TCIMPropertyImpl;
+
+// A property of an instance: a current value and, for reports of what changed, a previous one. Name
+// and type are its declaration's, which must outlive it. Copies are deep.
+class ZEL_API TCIMProperty {
+ public:
+  TCIMProperty(const TCIMPropertyDecl& decl);
+  // Throws as SetValue().
+  TCIMProperty(const TCIMPropertyDecl& decl, const TCIMValue& value);
+  // A copy checks the values against the declaration again.
+  TCIMProperty(const TCIMProperty& other);
+  TCIMProperty& operator=(const TCIMProperty& other);
+  ~TCIMProperty();
+
+  const std::string& GetName() const;
+  TCIMValue::TCIMType GetType() const;
+  bool IsArray() const;
+  const TCIMPropertyDecl* GetDeclaration() const;
+
+  // The own value, or the declaration's default.
+  TCIMValue GetValue() const;
+  // Throws zelStatusTypeMismatch for a value (NULL ones included) of another type than declared, and
+  // for a reference to a class that is not a subclass of the declared one. The former value stays.
+  void SetValue(const TCIMValue& value);
+  void SetValue(TCIMValue&& value);
+  // Whether there is no own value, so that the declaration's default shows.
+  bool GetPropagated() const;
+
+  // The previous value where one was set, else the same as GetValue().
+  TCIMValue GetPrevValue() const;
+  // Checked as SetValue(), but any NULL passes. Without a value: records that it was NULL.
+  void SetPrevValue(const TCIMValue& value);
+  void SetPrevValue();
+  // Whether a previous value was ever set.
+  bool IsPrevValueDifferent() const;
+
+  // By name, then by value; a missing own value counts as the declaration's default.
+  bool operator==(const TCIMProperty& other) const;
+  bool operator<(const TCIMProperty& other) const;
+
+  TCIMPropertyImpl* GetBody() const { return fBody; }
+
+ private:
+  friend class TCIMInstanceImpl;
+  explicit TCIMProperty(TCIMPropertyImpl* body) : fBody(body) {}
+
+  TCIMPropertyImpl* fBody;  // owned
+};
