@@ -1,0 +1,19 @@
+#pragma once
+
+#include <ostream>
+#include <vector>
+
+class TCIMClass;
+
+namespace zel {
+
+class TCollection;
+
+// All instances of `classes` with all their properties, for people.
+void PrintList(const std::vector<TCIMClass*>& classes, std::ostream& out);
+
+// The same as one JSON document.
+void PrintJson(const TCollection& collection, const std::vector<TCIMClass*>& classes,
+               std::ostream& out);
+
+}  // namespace zel

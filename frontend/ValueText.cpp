@@ -1,0 +1,122 @@
+#include "frontend/ValueText.h"
+
+#include <fmt/format.h>
+
+#include <cmath>
+#include <cstdint>
+#include <cstdlib>
+#include <nlohmann/json.hpp>
+
+#include "zelcore/zelcore.h"
+
+namespace zel {
+namespace {
+
+using TType = TCIMValue::TCIMType;
+
+constexpr std::int64_t kExactInJson = std::int64_t{1} << 53;
+
+template <class TInteger>
+nlohmann::ordered_json IntegerJson(TInteger value) {
+  if (value > static_cast<TInteger>(kExactInJson)) return std::to_string(value);
+  if constexpr (std::is_signed_v<TInteger>) {
+    if (value < -kExactInJson) return std::to_string(value);
+  }
+  return value;
+}
+
+nlohmann::ordered_json RealJson(double value, std::string text) {
+  if (std::isfinite(value)) return value;
+  return text;
+}
+
+bool IsTrue(const TCIMQualifier* qualifier) {
+  if (!qualifier || qualifier->GetType() != TType::TypeBoolean) return false;
+  const TCIMValue value = qualifier->GetValue();
+  return !value.IsNull() && bool(value);
+}
+
+}  // namespace
+
+std::string Printable(const std::string& text) {
+  std::string shown;
+  for (const char c : text) {
+    const auto byte = static_cast<unsigned char>(c);
+    if (byte < 0x20 || byte == 0x7F) {
+      shown += fmt::format("\\x{:02X}", byte);
+    } else {
+      shown += c;
+    }
+  }
+  return shown;
+}
+
+std::string Iso8601(const TCIMDateTime& datetime) {
+  if (datetime.IsInterval()) {
+    return fmt::format("P{}DT{}H{}M{}.{:06}S", datetime.GetDay(), datetime.GetHour(),
+                       datetime.GetMinute(), datetime.GetSecond(), datetime.GetMicroSeconds());
+  }
+  const int offset = datetime.GetUTCOffset();
+  return fmt::format("{:04}-{:02}-{:02}T{:02}:{:02}:{:02}.{:06}{}{:02}:{:02}", datetime.GetYear(),
+                     datetime.GetMonth(), datetime.GetDay(), datetime.GetHour(),
+                     datetime.GetMinute(), datetime.GetSecond(), datetime.GetMicroSeconds(),
+                     offset < 0 ? '-' : '+', std::abs(offset) / 60, std::abs(offset) % 60);
+}
+
+std::string ValueText(const TCIMValue& value) {
+  if (value.IsArray()) {
+    std::string text;
+    const std::vector<TCIMValue>& elements = value;
+    for (const TCIMValue& element : elements) {
+      if (!text.empty()) text += ", ";
+      if (!element.IsNull()) text += ValueText(element);
+    }
+    return text;
+  }
+  if (value.GetType() == TType::TypeDateTime) {
+    const TCIMDateTime datetime = value;
+    return datetime.IsNull() ? "" : Iso8601(datetime);
+  }
+  return Printable(value.ToString(10));
+}
+
+std::string MissingText(const TCIMProperty& property) {
+  const bool needsRoot = IsTrue(property.GetDeclaration()->FindQualifier("NEEDSROOT"));
+  return needsRoot && !TOSSpecific::IsAdmin() ? "needs root" : "not available";
+}
+
+std::string PropertyText(const TCIMProperty& property) {
+  const TCIMValue value = property.GetValue();
+  return value.IsNull() ? MissingText(property) : ValueText(value);
+}
+
+nlohmann::ordered_json ValueJson(const TCIMValue& value) {
+  if (value.IsNull()) return nullptr;
+  if (value.IsArray()) {
+    nlohmann::ordered_json array = nlohmann::ordered_json::array();
+    const std::vector<TCIMValue>& elements = value;
+    for (const TCIMValue& element : elements) array.push_back(ValueJson(element));
+    return array;
+  }
+  switch (value.GetType()) {
+    case TType::TypeBoolean: return bool(value);
+    case TType::TypeUint8: return static_cast<unsigned char>(value);
+    case TType::TypeSint8: return static_cast<signed char>(value);
+    case TType::TypeUint16: return static_cast<unsigned short>(value);
+    case TType::TypeSint16: return static_cast<short>(value);
+    case TType::TypeUint32: return static_cast<unsigned int>(value);
+    case TType::TypeSint32: return static_cast<int>(value);
+    case TType::TypeUint64: return IntegerJson(static_cast<unsigned long>(value));
+    case TType::TypeSint64: return IntegerJson(static_cast<long>(value));
+    case TType::TypeReal32: return RealJson(static_cast<float>(value), value.ToString(10));
+    case TType::TypeReal64: return RealJson(static_cast<double>(value), value.ToString(10));
+    case TType::TypeDateTime: {
+      const TCIMDateTime datetime = value;
+      if (datetime.IsNull()) return nullptr;
+      return Iso8601(datetime);
+    }
+    default: return value.ToString(10);
+  }
+}
+
+}  // namespace zel

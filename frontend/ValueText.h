@@ -1,0 +1,33 @@
+#pragma once
+
+#include <nlohmann/json_fwd.hpp>
+#include <string>
+
+class TCIMDateTime;
+class TCIMProperty;
+class TCIMValue;
+
+namespace zel {
+
+// A value as people read it: arrays joined by ", ", datetimes in ISO 8601, control characters shown
+// escaped. `value` must not be NULL.
+std::string ValueText(const TCIMValue& value);
+
+// Why a property is NULL: "needs root" when its declaration says so and this process is not root,
+// else "not available".
+std::string MissingText(const TCIMProperty& property);
+
+// The value's text, or why it is missing.
+std::string PropertyText(const TCIMProperty& property);
+
+// A value as JSON: numbers and booleans as such, uint64 and sint64 beyond 2^53 as text, datetimes in
+// ISO 8601, references as their path, arrays as arrays, NULL as null.
+nlohmann::ordered_json ValueJson(const TCIMValue& value);
+
+// "2026-11-21T10:55:00.000000+01:00", or "P1DT2H3M4.500000S" for an interval.
+std::string Iso8601(const TCIMDateTime& datetime);
+
+// `text` on one line that cannot steer a terminal: control characters as \xNN.
+std::string Printable(const std::string& text);
+
+}  // namespace zel
