@@ -76,14 +76,14 @@ class ZEL_API TXmlParser {
   bool ParseAttribute(TAttributes& attributes);
   bool ParseContent(TOpenElements& open);
   bool ParseEndTag(TOpenElements& open);
-  void ParseReference();
-  void ParseNumericReference();
+  bool ParseReference();
+  bool ParseNumericReference();
 
   bool Refuse(const char* message);
   bool Expect(std::string_view text);
   bool SkipPast(std::string_view terminator);
   void Unget(int count);
-  void Report(char byte);
+  bool Report(char byte);
 
   char Cover(char* at);
   void Uncover(char* at, char byte);

@@ -1,0 +1,484 @@
+#include "xml/TXmlParser.h"
+
+#include <array>
+#include <cstring>
+#include <utility>
+#include <vector>
+
+#include "zelcore/detail/Ascii.h"
+
+// One member per rule. A byte is looked up once in a table of classes; the hot loops walk the
+// buffer by pointer, while the rules around them read byte by byte with GetChar() and UngetChar(),
+// because the exact counts decide where an error is seen. Open elements stand on a stack of our
+// own, so that the depth of a document costs memory and no stack.
+
+using zelcore::detail::IsAsciiAlnum;
+using zelcore::detail::IsAsciiDigit;
+using zelcore::detail::IsAsciiLetter;
+using zelcore::detail::ToAsciiLower;
+
+namespace {
+
+using TAttributeMap = std::map<std::string, std::string>;
+
+enum EByteClass : unsigned char {
+  kStartsName = 1,
+  kInName = 2,
+  kIsSpace = 4,
+  kEndsText = 8,    // '<', '&' and the end of the buffer
+  kEndsValue = 16,  // these and both quotes
+};
+
+constexpr std::array<unsigned char, 256> MakeByteClasses() {
+  std::array<unsigned char, 256> classes{};
+  for (int i = 0; i < 256; ++i) {
+    const char c = static_cast<char>(i);
+    unsigned char bits = 0;
+    if (IsAsciiLetter(c) || c == '_' || c == ':') bits |= kStartsName | kInName;
+    if (IsAsciiDigit(c) || c == '.' || c == '-') bits |= kInName;
+    if (c == ' ' || c == '\t' || c == '\r' || c == '\n') bits |= kIsSpace;
+    if (c == '<' || c == '&' || c == '\0') bits |= kEndsText | kEndsValue;
+    if (c == '"' || c == '\'') bits |= kEndsValue;
+    classes[static_cast<std::size_t>(i)] = bits;
+  }
+  return classes;
+}
+
+constexpr std::array<unsigned char, 256> kByteClasses = MakeByteClasses();
+
+bool Is(char c, EByteClass byteClass) {
+  return kByteClasses[static_cast<unsigned char>(c)] & byteClass;
+}
+
+// The first byte from `at` on that is of the class. The class must hold the NUL.
+char* Find(char* at, EByteClass byteClass) {
+  while (!Is(*at, byteClass)) ++at;
+  return at;
+}
+
+// The first byte from `at` on that is not of the class.
+char* FindNot(char* at, EByteClass byteClass) {
+  while (Is(*at, byteClass)) ++at;
+  return at;
+}
+
+struct TEntity {
+  std::string_view name;
+  char byte;
+};
+
+constexpr TEntity kEntities[] = {
+    {"amp;",  '&' },
+    {"apos;", '\''},
+    {"gt;",   '>' },
+    {"lt;",   '<' },
+    {"quot;", '"' },
+};
+
+// 16 for what is no hexadecimal digit.
+int DigitValue(char c) {
+  if (IsAsciiDigit(c)) return c - '0';
+  const char lower = ToAsciiLower(c);
+  return lower >= 'a' && lower <= 'f' ? lower - 'a' + 10 : 16;
+}
+
+}  // namespace
+
+// Holds a NUL over one byte of the buffer until the scope ends.
+class TXmlParser::TNulGuard {
+ public:
+  TNulGuard(TXmlParser& parser, char* at) : fParser(parser), fAt(at), fByte(parser.Cover(at)) {}
+  ~TNulGuard() { fParser.Uncover(fAt, fByte); }
+  TNulGuard(const TNulGuard&) = delete;
+  TNulGuard& operator=(const TNulGuard&) = delete;
+
+ private:
+  TXmlParser& fParser;
+  char* fAt;
+  char fByte;
+};
+
+// The elements whose end tag has not been read, outermost first. A NUL stands behind each name.
+class TXmlParser::TOpenElements {
+ public:
+  explicit TOpenElements(TXmlParser& parser) : fParser(parser) {}
+  ~TOpenElements() {
+    while (!IsEmpty()) Pop();
+  }
+  TOpenElements(const TOpenElements&) = delete;
+  TOpenElements& operator=(const TOpenElements&) = delete;
+
+  bool IsEmpty() const { return fElements.empty(); }
+  void Push(char* name, char* nameEnd) {
+    fElements.push_back({name, nameEnd, *nameEnd});
+    fParser.Cover(nameEnd);
+  }
+  void Pop() {
+    fParser.Uncover(fElements.back().nameEnd, fElements.back().covered);
+    fElements.pop_back();
+  }
+  std::string_view GetName() const {
+    const TElement& top = fElements.back();
+    return {top.name, static_cast<std::size_t>(top.nameEnd - top.name)};
+  }
+
+ private:
+  struct TElement {
+    char* name;
+    char* nameEnd;
+    char covered;
+  };
+
+  TXmlParser& fParser;
+  std::vector<TElement> fElements;
+};
+
+// The attributes of one start tag after the other. The nodes of the map are used again, so that an
+// ordinary tag allocates nothing.
+class TXmlParser::TAttributes {
+ public:
+  // False for a name that is there already.
+  bool Insert(std::string_view name, std::string_view value) {
+    if (fSpare.empty()) return fMap.emplace(name, value).second;
+    TAttributeMap::node_type node = std::move(fSpare.back());
+    fSpare.pop_back();
+    node.key().assign(name);
+    node.mapped().assign(value);
+    fMap.insert(fMap.end(), std::move(node));
+    return node.empty();
+  }
+
+  void Clear() {
+    while (!fMap.empty()) {
+      TAttributeMap::node_type node = fMap.extract(fMap.begin());
+      if (fSpare.size() < kMaxSpare && node.mapped().capacity() <= kMaxSpareCapacity) {
+        fSpare.push_back(std::move(node));
+      }
+    }
+  }
+
+  TAttributeMap& GetMap() { return fMap; }
+
+ private:
+  static constexpr std::size_t kMaxSpare = 16;
+  static constexpr std::size_t kMaxSpareCapacity = 4096;
+
+  TAttributeMap fMap;
+  std::vector<TAttributeMap::node_type> fSpare;
+};
+
+TXmlParser::~TXmlParser() = default;
+
+void TXmlParser::Parse(char* buffer) {
+  fStart = fPosition = fCountedTo = buffer;
+  fCountedLines = 0;
+  ParseProlog();
+  ParseElement();
+  while (ParseMisc()) {
+  }
+}
+
+unsigned int TXmlParser::GetCurLine() const {
+  for (; fCountedTo < fPosition; ++fCountedTo) fCountedLines += *fCountedTo == '\n';
+  while (fCountedTo > fPosition) fCountedLines -= *--fCountedTo == '\n';
+  return fCountedLines + 1;
+}
+
+// prolog := [xmlDecl misc* [docTypeDecl misc*]]
+bool TXmlParser::ParseProlog() {
+  if (GetChar() != '<') return Refuse("Unexpected character before prolog");
+  const bool hasDeclaration = GetChar() == '?';
+  Unget(2);
+  if (!hasDeclaration) return false;
+  ParseXMLDecl();
+  while (ParseMisc()) {
+  }
+  if (GetChar() == '<') {
+    const bool hasDocType = GetChar() == '!';
+    UngetChar();
+    if (hasDocType) {
+      UngetChar();
+      ParseDocTypeDecl();
+      while (ParseMisc()) {
+      }
+      return true;
+    }
+  }
+  UngetChar();
+  return true;
+}
+
+// xmlDecl := '<?xml' ... '?>'
+bool TXmlParser::ParseXMLDecl() { return SkipPast("?>"); }
+
+// docTypeDecl := '<!DOCTYPE' ... '>'      The first '>' ends it.
+bool TXmlParser::ParseDocTypeDecl() {
+  if (!Expect("<!DOCTYPE")) return Refuse("Unexpected character in doctypedecl");
+  if (!SkipPast(">")) return false;
+  SkipWhitespace();
+  return true;
+}
+
+// misc := comment | processingInstruction | whitespace      Anything else ends it silently.
+bool TXmlParser::ParseMisc() {
+  if (GetChar() != '<') {
+    UngetChar();
+    return SkipWhitespace() && PeekChar();
+  }
+  switch (GetChar()) {
+    case '?': Unget(2); return ParseProcessingInstruction();
+    case '!': {
+      const bool isComment = GetChar() == '-';
+      Unget(3);
+      return isComment && SkipComment();
+    }
+    default: Unget(2); return false;
+  }
+}
+
+// processingInstruction := '<?' ... '?>'
+bool TXmlParser::ParseProcessingInstruction() {
+  if (!SkipPast("?>")) return false;
+  processingInstruction("TBD", "TBD");
+  return true;
+}
+
+// notationDecl := '<!NOTATION' ... '>'
+bool TXmlParser::ParseNotationDecl() {
+  if (!SkipPast(">")) return false;
+  notationDecl("TBD", "TBD", "TBD");
+  return true;
+}
+
+// comment := '<!--' ... '-->'
+bool TXmlParser::SkipComment() {
+  if (!Expect("<!--")) {
+    Unget(4);  // sic: four, however many were read
+    return false;
+  }
+  return SkipPast("-->");
+}
+
+// element := startTag [content endTag]      Children are read in the same loop.
+bool TXmlParser::ParseElement() {
+  TOpenElements open(*this);
+  TAttributes attributes;
+  do {
+    if (!ParseStartTag(open, attributes) || !ParseContent(open)) return false;
+  } while (!open.IsEmpty());
+  return true;
+}
+
+// startTag := '<' name attribute* ('>' | '/>')
+bool TXmlParser::ParseStartTag(TOpenElements& open, TAttributes& attributes) {
+  if (GetChar() != '<') return Refuse("Unexpected character before element");
+  char* const name = fPosition;
+  if (!ValidateName()) return false;
+  char* const nameEnd = fPosition;
+  while (SkipWhitespace() && PeekChar() != '/' && PeekChar() != '>') {
+    if (!ParseAttribute(attributes)) return false;
+  }
+  const bool isEmpty = PeekChar() == '/';
+  if (isEmpty) GetChar();
+  if (GetChar() != '>') return Refuse("Unexpected character before end of element");
+
+  open.Push(name, nameEnd);
+  StartElement(name, attributes.GetMap());
+  attributes.Clear();
+  if (isEmpty) {
+    EndElement(name);
+    open.Pop();
+  }
+  return true;
+}
+
+// attribute := name '=' ('"' value '"' | "'" value "'")
+bool TXmlParser::ParseAttribute(TAttributes& attributes) {
+  char* const name = fPosition;
+  if (!ValidateName()) return false;
+  char* const nameEnd = fPosition;
+  SkipWhitespace();
+  if (GetChar() != '=') return Refuse("Unexpected character between attribute name and value");
+  SkipWhitespace();
+  const char quote = GetChar();
+  if (quote != '"' && quote != '\'') {
+    return Refuse("Unexpected character after equals of attribute name");
+  }
+
+  char* const value = fPosition;
+  char* valueEnd = Find(value, kEndsValue);
+  while (*valueEnd != quote && (*valueEnd == '"' || *valueEnd == '\'')) {
+    valueEnd = Find(valueEnd + 1, kEndsValue);
+  }
+  fPosition = valueEnd;
+  if (GetChar() != quote) return Refuse("Unexpected character in attribute value");
+
+  for (char* c = name; c != nameEnd; ++c) *c = ToAsciiLower(*c);
+  if (attributes.Insert({name, static_cast<std::size_t>(nameEnd - name)},
+                        {value, static_cast<std::size_t>(valueEnd - value)})) {
+    return true;
+  }
+  // The line is counted while both texts stand terminated in the buffer.
+  TNulGuard nameGuard(*this, nameEnd);
+  TNulGuard valueGuard(*this, valueEnd);
+  return Refuse("Attribute appears twice");
+}
+
+// content := (charData | element | processingInstruction | comment)*
+// Reads up to the next child's start tag, or until no element is open any more.
+bool TXmlParser::ParseContent(TOpenElements& open) {
+  while (!open.IsEmpty()) {
+    ParseCharData();
+    if (GetChar() != '<') return Refuse("Unexpected character where element expected");
+    const char next = GetChar();
+    if (next == '/') {
+      if (!ParseEndTag(open)) return false;
+      continue;
+    }
+    Unget(2);  // sic: at the end of the buffer this is one byte before the '<'
+    if (next != '?' && next != '!') return true;
+    if (!(next == '?' ? ParseProcessingInstruction() : SkipComment())) return false;
+  }
+  return true;
+}
+
+// endTag := '</' name '>'      The '</' has been read.
+bool TXmlParser::ParseEndTag(TOpenElements& open) {
+  char* const name = fPosition;
+  if (!ValidateName()) return false;
+  const std::string_view started = open.GetName();
+  const std::string_view ended(name, static_cast<std::size_t>(fPosition - name));
+  // sic: only as much as the start tag says is compared, so </abcd> ends <abc>.
+  if (ended.substr(0, started.size()) != started) {
+    return Refuse("Start and end element names don't match");
+  }
+  SkipWhitespace();
+  if (GetChar() != '>') return Refuse("Unexpected character before end of element");
+  EndElement(started.data());
+  open.Pop();
+  return true;
+}
+
+// name := [A-Za-z_:] [A-Za-z0-9._:-]*
+bool TXmlParser::ValidateName() {
+  if (!Is(GetChar(), kStartsName)) return Refuse("Invalid element/attribute name");
+  fPosition = FindNot(fPosition, kInName);
+  return true;
+}
+
+// charData := (text | reference)*
+bool TXmlParser::ParseCharData() {
+  bool hasReported = false;
+  for (;;) {
+    char* const text = fPosition;
+    fPosition = Find(text, kEndsText);
+    if (fPosition != text) {
+      TNulGuard terminated(*this, fPosition);
+      characters(text, static_cast<unsigned int>(fPosition - text));
+      hasReported = true;
+    }
+    if (PeekChar() != '&') return hasReported;
+    hasReported |= ParseReference();
+  }
+}
+
+// reference := '&' ('amp' | 'apos' | 'gt' | 'lt' | 'quot' | number) ';'      In any case of
+// letters.
+bool TXmlParser::ParseReference() {
+  GetChar();
+  if (PeekChar() == '#') return ParseNumericReference();
+  std::string name;
+  bool mayMatch = true;
+  while (mayMatch) {
+    name += ToAsciiLower(GetChar());
+    mayMatch = false;
+    for (const TEntity& entity : kEntities) {
+      if (entity.name == name) return Report(entity.byte);
+      mayMatch |= entity.name.substr(0, name.size()) == name;
+    }
+  }
+  FatalError("Unknown entity reference");
+  return false;
+}
+
+// number := '#' digit+ | '#x' hexDigit+      sic: the code modulo 256 is the byte reported.
+bool TXmlParser::ParseNumericReference() {
+  GetChar();
+  const bool isHex = ToAsciiLower(PeekChar()) == 'x';
+  if (isHex) GetChar();
+  const int base = isHex ? 16 : 10;
+  unsigned int code = 0;
+  bool hasDigit = false;
+  while (const char c = GetChar()) {
+    const int digit = DigitValue(c);
+    if (digit < base) {
+      code = (code * base + digit) & 0xFF;
+      hasDigit = true;
+    } else if (c != ';') {
+      FatalError("Unknown entity reference");
+    } else if (hasDigit) {
+      return Report(static_cast<char>(code));
+    } else {
+      FatalError("Invalid hex character");  // sic: also for a decimal reference
+    }
+  }
+  FatalError("Unknown entity reference");
+  return false;
+}
+
+bool TXmlParser::SkipWhitespace() {
+  char* const start = fPosition;
+  fPosition = FindNot(start, kIsSpace);
+  return fPosition != start;
+}
+
+bool TXmlParser::Refuse(const char* message) {
+  FatalError(message);
+  return false;
+}
+
+bool TXmlParser::Report(char byte) {
+  const char text[] = {byte, '\0'};
+  characters(text, 1);
+  return true;
+}
+
+// Reads `text`, up to and including the first byte that differs.
+bool TXmlParser::Expect(std::string_view text) {
+  for (const char c : text) {
+    if (GetChar() != c) return false;
+  }
+  return true;
+}
+
+// Moves past the next `terminator`, or stays when there is none.
+bool TXmlParser::SkipPast(std::string_view terminator) {
+  for (char* last = fPosition; (last = std::strchr(last, terminator.back()));) {
+    ++last;
+    const std::string_view seen(fPosition, static_cast<std::size_t>(last - fPosition));
+    if (seen.size() >= terminator.size() &&
+        seen.substr(seen.size() - terminator.size()) == terminator) {
+      fPosition = last;
+      return true;
+    }
+  }
+  return false;
+}
+
+void TXmlParser::Unget(int count) {
+  while (count-- > 0 && fPosition > fStart) --fPosition;
+}
+
+// Puts a NUL over a byte and returns the byte. A line feed that is hidden or comes back is taken
+// from or added to the lines counted already, so that they stay what a fresh count would give.
+char TXmlParser::Cover(char* at) {
+  const char byte = *at;
+  if (byte == '\n' && at < fCountedTo) --fCountedLines;
+  *at = '\0';
+  return byte;
+}
+
+void TXmlParser::Uncover(char* at, char byte) {
+  *at = byte;
+  if (byte == '\n' && at < fCountedTo) ++fCountedLines;
+}
