@@ -59,8 +59,7 @@ TCollection::TCollection(const TCollectionOptions& options)
   StartLogger(options);
   const TLocations defaults = DefaultLocations();
   fBaseSchema = options.baseSchema.empty() ? defaults.baseSchema : options.baseSchema;
-  FindPlugins(options.pluginDirectory.empty() ? defaults.pluginDirectory
-                                              : options.pluginDirectory);
+  FindPlugins(options.pluginDirectory.empty() ? defaults.pluginDirectory : options.pluginDirectory);
   ReadDocuments();
   PutSystemFirst();
 }
@@ -70,10 +69,10 @@ TCollection::~TCollection() = default;
 void TCollection::FindPlugins(const std::string& directory) {
   fDirectory = TDescriptor(open(directory.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC));
   if (!fDirectory) {
-    throw TCommandError(
-        kExitBadInput, fmt::format("cannot read the plug-in directory '{}': {}; name another with "
-                                   "--plugin-dir",
-                                   directory, strerror(errno)));
+    throw TCommandError(kExitBadInput,
+                        fmt::format("cannot read the plug-in directory '{}': {}; name another with "
+                                    "--plugin-dir",
+                                    directory, strerror(errno)));
   }
   // A document's name is made by taking "lib" out of the whole path of its plug-in, so the library
   // is given a path to the directory in which there is none.
@@ -101,9 +100,9 @@ void TCollection::ReadDocuments() {
     fSchema->PopulateContainerFromFile(fBaseSchema);
   } catch (const std::exception& error) {
     const std::string why = FirstError();
-    throw TCommandError(kExitBadInput,
-                        fmt::format("cannot read the base schema '{}': {}; name another with --base",
-                                    fBaseSchema, why.empty() ? error.what() : why));
+    throw TCommandError(
+        kExitBadInput, fmt::format("cannot read the base schema '{}': {}; name another with --base",
+                                   fBaseSchema, why.empty() ? error.what() : why));
   }
   std::set<std::string> read;
   for (TFoundPlugin& plugin : fPlugins) {
@@ -139,7 +138,8 @@ std::vector<TCIMClass*> TCollection::Resolve(const std::vector<std::string>& nam
     }
     if (!cls) {
       throw TCommandError(
-          kExitUsage, fmt::format("no class '{}'; 'zel plugins' lists the classes there are", name));
+          kExitUsage,
+          fmt::format("no class '{}'; 'zel plugins' lists the classes there are", name));
     }
     AddConcrete(cls, classes);
     for (TCIMClass* sub : cls->EnumerateSubClasses(true)) AddConcrete(sub, classes);
@@ -165,9 +165,8 @@ void TCollection::Collect(const std::vector<TCIMClass*>& classes) {
     }
     // A plug-in without a document that could be read is run to learn what is wrong with it.
     if (names.empty() && !plugin.document.empty()) continue;
-    Keep(plugin, RunInChild(plugin.display, fOptions.deadline, [&](TPluginOutcome& outcome) {
-           Work(plugin, names, outcome);
-         }));
+    Keep(plugin, RunInChild(plugin.display, fOptions.deadline,
+                            [&](TPluginOutcome& outcome) { Work(plugin, names, outcome); }));
   }
   fDuration = std::chrono::duration_cast<std::chrono::microseconds>(
       std::chrono::steady_clock::now() - fStart);
@@ -180,8 +179,8 @@ void TCollection::Probe() {
   }
 }
 
-// In the child: loads the plug-in into a manager of its own, which knows the other documents and the
-// system, and asks it for `classNames`.
+// In the child: loads the plug-in into a manager of its own, which knows the other documents and
+// the system, and asks it for `classNames`.
 void TCollection::Work(const TFoundPlugin& plugin, const std::vector<std::string>& classNames,
                        TPluginOutcome& outcome) {
   ILogger& log = *TLogger::GetInstance();
@@ -208,9 +207,9 @@ void TCollection::Work(const TFoundPlugin& plugin, const std::vector<std::string
   for (const boost::shared_ptr<IPlugin>& record : manager.GetPluginsContainer()) {
     IPluginCallbacks* callbacks = record->GetCallbacks();
     if (!callbacks) continue;
-    TPluginRecord said{callbacks->GetName(), callbacks->GetVersion(),
-                       callbacks->GetInterfaceVersion(), callbacks->GetType(),
-                       record->IsInitialized(), false};
+    TPluginRecord said{
+        callbacks->GetName(), callbacks->GetVersion(), callbacks->GetInterfaceVersion(),
+        callbacks->GetType(), record->IsInitialized(), false};
     try {
       for (const TCIMClass* cls : record->GetClassesCollected()) {
         const std::vector<TCIMInstance*> found = cls->EnumerateInstances(false);

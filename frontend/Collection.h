@@ -35,7 +35,8 @@ struct TFoundPlugin {
 // crashes, hangs or fails costs its own classes and nothing else.
 class TCollection {
  public:
-  // Starts the library and reads the base schema and every plug-in's document. Throws TCommandError.
+  // Starts the library and reads the base schema and every plug-in's document. Throws
+  // TCommandError.
   explicit TCollection(const TCollectionOptions& options);
   ~TCollection();
 

@@ -32,11 +32,17 @@ ordered_json InstanceJson(const TCIMInstance& instance) {
   for (const TCIMProperty* property : instance.EnumerateProperties()) {
     properties[property->GetName()] = ValueJson(property->GetValue());
   }
-  return {{"path", instance.BuildPath().GetPath()}, {"properties", std::move(properties)}};
+  return {
+      {"path",       instance.BuildPath().GetPath()},
+      {"properties", std::move(properties)         }
+  };
 }
 
 ordered_json PluginJson(const TPluginOutcome& outcome) {
-  ordered_json plugin = {{"name", outcome.Name()}, {"path", outcome.path}};
+  ordered_json plugin = {
+      {"name", outcome.Name()},
+      {"path", outcome.path  }
+  };
   if (!outcome.records.empty()) plugin["version"] = outcome.records.front().version;
   if (outcome.Failed()) plugin["error"] = outcome.Reason();
   return plugin;
@@ -54,7 +60,11 @@ void PrintList(const std::vector<TCIMClass*>& classes, std::ostream& out) {
 
 void PrintJson(const TCollection& collection, const std::vector<TCIMClass*>& classes,
                std::ostream& out) {
-  ordered_json document = {{"format", "zel-collection"}, {"version", 1}, {"zel", ZEL_VERSION}};
+  ordered_json document = {
+      {"format",  "zel-collection"},
+      {"version", 1               },
+      {"zel",     ZEL_VERSION     }
+  };
   document["partial"] = collection.IsPartial();
   document["plugins"] = ordered_json::array();
   for (const TPluginOutcome& outcome : collection.GetOutcomes()) {

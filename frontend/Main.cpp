@@ -17,14 +17,18 @@ constexpr char kExitCodes[] =
     "Exit codes: 0 done, 2 usage, 3 collected in part, 4 input unreadable or invalid,\n"
     "5 no plug-ins, 7 output could not be written, 130 interrupted.";
 
-const std::map<std::string, zelLogSeverity> kLogLevels = {{"error", zelLogError},
-                                                          {"warning", zelLogWarning},
-                                                          {"status", zelLogStatus},
-                                                          {"debug", zelLogDebug},
-                                                          {"verbose", zelLogVerbose}};
+const std::map<std::string, zelLogSeverity> kLogLevels = {
+    {"error",   zelLogError  },
+    {"warning", zelLogWarning},
+    {"status",  zelLogStatus },
+    {"debug",   zelLogDebug  },
+    {"verbose", zelLogVerbose}
+};
 
-const std::map<std::string, TFormat> kFormats = {{"text", TFormat::kText},
-                                                 {"json", TFormat::kJson}};
+const std::map<std::string, TFormat> kFormats = {
+    {"text", TFormat::kText},
+    {"json", TFormat::kJson}
+};
 
 // The names of `table`, for the help.
 template <class TTable>
@@ -52,8 +56,7 @@ class TArguments {
                      "Print every instance of these classes and of their subclasses")
         ->type_name("NAME");
     collect->add_option("--format", fCollect.format, "How to print")
-        ->transform(CLI::CheckedTransformer(kFormats, CLI::ignore_case)
-                        .description(""))
+        ->transform(CLI::CheckedTransformer(kFormats, CLI::ignore_case).description(""))
         ->type_name(Names(kFormats));
 
     CLI::App* plugins =

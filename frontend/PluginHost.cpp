@@ -31,7 +31,11 @@ std::string Pack(const TPluginOutcome& outcome) {
   }
   json log = json::array();
   for (const TLogLine& line : outcome.log) log.push_back({int{line.severity}, line.text});
-  const json header = {{"records", records}, {"log", log}, {"fault", outcome.fault}};
+  const json header = {
+      {"records", records      },
+      {"log",     log          },
+      {"fault",   outcome.fault}
+  };
   return header.dump(-1, ' ', false, json::error_handler_t::replace) + "\n" + outcome.instances;
 }
 
@@ -40,8 +44,8 @@ void Unpack(const std::string& answer, TPluginOutcome& outcome) {
   if (end == std::string::npos) throw std::runtime_error("incomplete");
   const json header = json::parse(answer.substr(0, end));
   for (const json& record : header.at("records")) {
-    outcome.records.push_back({record.at(0), record.at(1), record.at(2), record.at(3),
-                               record.at(4), record.at(5)});
+    outcome.records.push_back(
+        {record.at(0), record.at(1), record.at(2), record.at(3), record.at(4), record.at(5)});
   }
   for (const json& line : header.at("log")) {
     outcome.log.push_back({static_cast<zelLogSeverity>(line.at(0).get<int>()), line.at(1)});
@@ -150,8 +154,8 @@ TPluginOutcome RunInChild(const std::string& path, std::chrono::milliseconds dea
   if (!inTime) {
     outcome.fault = fmt::format("did not answer within {} s", deadline.count() / 1000.0);
   } else if (WIFSIGNALED(status)) {
-    outcome.fault = fmt::format("was ended by signal {} ({})", WTERMSIG(status),
-                                strsignal(WTERMSIG(status)));
+    outcome.fault =
+        fmt::format("was ended by signal {} ({})", WTERMSIG(status), strsignal(WTERMSIG(status)));
   } else {
     try {
       Unpack(answer, outcome);

@@ -25,8 +25,8 @@ TExitCode Run(const TPluginsCommand& command, std::ostream& out, std::ostream&) 
   collection.Probe();
   for (const TPluginOutcome& outcome : collection.GetOutcomes()) {
     const bool loaded = !outcome.records.empty();
-    out << Printable(fmt::format("{} {}", outcome.Name(),
-                                 loaded ? outcome.records.front().version : "-"))
+    out << Printable(
+               fmt::format("{} {}", outcome.Name(), loaded ? outcome.records.front().version : "-"))
         << "\n"
         << "  state    " << State(outcome) << "\n"
         << "  path     " << Printable(outcome.path) << "\n";

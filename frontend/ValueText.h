@@ -20,8 +20,8 @@ std::string MissingText(const TCIMProperty& property);
 // The value's text, or why it is missing.
 std::string PropertyText(const TCIMProperty& property);
 
-// A value as JSON: numbers and booleans as such, uint64 and sint64 beyond 2^53 as text, datetimes in
-// ISO 8601, references as their path, arrays as arrays, NULL as null.
+// A value as JSON: numbers and booleans as such, uint64 and sint64 beyond 2^53 as text, datetimes
+// in ISO 8601, references as their path, arrays as arrays, NULL as null.
 nlohmann::ordered_json ValueJson(const TCIMValue& value);
 
 // "2026-11-21T10:55:00.000000+01:00", or "P1DT2H3M4.500000S" for an interval.

@@ -1,0 +1,265 @@
+#include "frontend/Main.h"
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+#include <unistd.h>
+
+#include <filesystem>
+#include <nlohmann/json.hpp>
+#include <sstream>
+#include <string>
+#include <vector>
+
+#include "tests/support/TempDir.h"
+
+namespace {
+
+namespace fs = std::filesystem;
+using testing::HasSubstr;
+using testing::MatchesRegex;
+using testing::StartsWith;
+
+struct TResult {
+  int code;
+  std::string out;
+  std::string err;
+};
+
+TResult Zel(std::vector<std::string> arguments) {
+  std::vector<const char*> argv = {"zel"};
+  for (const std::string& argument : arguments) argv.push_back(argument.c_str());
+  std::ostringstream out;
+  std::ostringstream err;
+  const int code = zel::Main(static_cast<int>(argv.size()), argv.data(), out, err);
+  return {code, out.str(), err.str()};
+}
+
+const std::string kBase = ZEL_SOURCE_DIR "/schema/zelcore.base.xml";
+
+// A plug-in directory with the named test plug-ins.
+class TPluginDir : public TempDir {
+ public:
+  explicit TPluginDir(const std::vector<std::string>& names) {
+    for (const std::string& name : names) {
+      fs::copy(fs::path(ZEL_TEST_PLUGINS) / name, PathOf(name));
+    }
+  }
+};
+
+TResult Collect(const TempDir& plugins, std::vector<std::string> more = {}) {
+  std::vector<std::string> arguments = {"collect", "--plugin-dir", plugins.GetPath(), "--base",
+                                        kBase};
+  arguments.insert(arguments.end(), more.begin(), more.end());
+  return Zel(arguments);
+}
+
+TEST(Zel, ExplainsItselfOnRequest) {
+  const TResult help = Zel({"--help"});
+  EXPECT_EQ(0, help.code);
+  EXPECT_EQ("", help.err);
+  for (const char* word : {"collect", "plugins", "help", "Exit codes: 0 done"}) {
+    EXPECT_THAT(help.out, HasSubstr(word));
+  }
+  EXPECT_EQ(help.out, Zel({"help"}).out);
+
+  const TResult collect = Zel({"help", "collect"});
+  EXPECT_EQ(0, collect.code);
+  EXPECT_EQ(collect.out, Zel({"collect", "--help"}).out);
+  for (const char* word : {"Examples:", "--class", "--format", "--log", "--log-level",
+                           "--plugin-dir", "--base", "--timeout"}) {
+    EXPECT_THAT(collect.out, HasSubstr(word));
+  }
+
+  const TResult version = Zel({"--version"});
+  EXPECT_EQ(0, version.code);
+  EXPECT_THAT(version.out, MatchesRegex("zel [0-9]+\\.[0-9]+\\.[0-9]+\n"));
+}
+
+TEST(Zel, RefusesWrongArgumentsInOneLine) {
+  const std::vector<std::vector<std::string>> rows = {
+      {          },
+      {               "colect"          },
+      {      "collect",     "--fromat", "json"},
+      {                  "collect", "--format", "yaml"},
+      {        "collect",   "--class"},
+      {"collect",   "--log-level", "loud"},
+      {    "collect",           "--timeout", "0"},
+      {            "help",        "nothing"},
+  };
+  for (const auto& row : rows) {
+    const TResult result = Zel(row);
+    SCOPED_TRACE(testing::PrintToString(row));
+    EXPECT_EQ(2, result.code);
+    EXPECT_EQ("", result.out);
+    EXPECT_THAT(result.err, MatchesRegex("zel: .*'zel .*help.*'.*\n"));
+  }
+}
+
+TEST(Collect, SaysWhichClassThereIsNot) {
+  const TPluginDir plugins({"noisy"});
+  for (const char* name : {"Fan", "a-b", ""}) {
+    const TResult result = Collect(plugins, {"--class", name});
+    EXPECT_EQ(2, result.code);
+    EXPECT_EQ(
+        "zel: no class '" + std::string(name) + "'; 'zel plugins' lists the classes there are\n",
+        result.err);
+  }
+}
+
+TEST(Collect, NeedsPluginsAndABaseSchema) {
+  const TempDir empty;
+  TResult result = Collect(empty);
+  EXPECT_EQ(5, result.code);
+  EXPECT_EQ("zel: no plug-ins in '" + empty.GetPath() +
+                "': it needs <name>/lib<name>.pi.so; name another directory with --plugin-dir\n",
+            result.err);
+
+  result = Zel({"collect", "--plugin-dir", "/nowhere"});
+  EXPECT_EQ(4, result.code);
+  EXPECT_EQ(
+      "zel: cannot read the plug-in directory '/nowhere': No such file or directory; name "
+      "another with --plugin-dir\n",
+      result.err);
+
+  const TPluginDir plugins({"noisy"});
+  result = Zel({"collect", "--plugin-dir", plugins.GetPath(), "--base", "/nowhere"});
+  EXPECT_EQ(4, result.code);
+  EXPECT_EQ(
+      "zel: cannot read the base schema '/nowhere': zelStatusFileNotFound; name another "
+      "with --base\n",
+      result.err);
+
+  const std::string broken = plugins.WriteFile("broken.xml", "<CIM>\n<X/>");
+  result = Zel({"collect", "--plugin-dir", plugins.GetPath(), "--base", broken});
+  EXPECT_EQ(4, result.code);
+  EXPECT_THAT(result.err, StartsWith("zel: cannot read the base schema '" + broken +
+                                     "': CIM-XML Parser line 2:Unexpected element x; "));
+}
+
+TEST(Collect, PrintsEveryPropertyOfAClass) {
+  const TPluginDir plugins({"noisy"});
+  const TResult result = Collect(plugins, {"--class", "noisy_thing"});
+  EXPECT_EQ(0, result.code);
+  EXPECT_EQ("", result.err);
+  const std::string missing = geteuid() == 0 ? "not available" : "needs root";
+  EXPECT_EQ(
+      "Noisy_Thing.Id=\"a<b>&\"c\"\"\n"
+      "  Big          9007199254740993\n"
+      "  Caption      not available\n"
+      "  Description  not available\n"
+      "  ElementName  not available\n"
+      "  Id           a<b>&\"c\"\n"
+      "  Nothing      not available\n"
+      "  Secret       " +
+          missing +
+          "\n"
+          "  Text         bell\\x07 and\\x0Aline\n"
+          "\n",
+      result.out);
+}
+
+TEST(Collect, PrintsOneValidJsonDocument) {
+  const TPluginDir plugins({"noisy"});
+  const TResult result = Collect(plugins, {"--format", "json"});
+  EXPECT_EQ(0, result.code);
+  const auto document = nlohmann::json::parse(result.out);
+  EXPECT_EQ("zel-collection", document.at("format"));
+  EXPECT_EQ(1, document.at("version"));
+  EXPECT_EQ(false, document.at("partial"));
+  EXPECT_EQ("noisy", document.at("plugins").at(0).at("name"));
+  EXPECT_EQ("1.0", document.at("plugins").at(0).at("version"));
+  const auto& instance = document.at("classes").at("Noisy_Thing").at(0);
+  EXPECT_EQ("Noisy_Thing.Id=\"a<b>&\"c\"\"", instance.at("path"));
+  const auto& properties = instance.at("properties");
+  EXPECT_EQ("a<b>&\"c\"", properties.at("Id"));
+  EXPECT_EQ("bell\a and\nline", properties.at("Text"));
+  EXPECT_EQ("9007199254740993", properties.at("Big"));  // beyond 2^53
+  EXPECT_TRUE(properties.at("Nothing").is_null());
+}
+
+TEST(Collect, TakesSuperclassesForTheirSubclasses) {
+  const TPluginDir plugins({"noisy"});
+  const TResult result = Collect(plugins, {"--class", "CIM_ManagedElement", "--format", "json"});
+  EXPECT_EQ(0, result.code);
+  EXPECT_EQ(1u, nlohmann::json::parse(result.out).at("classes").at("Noisy_Thing").size());
+}
+
+TEST(Collect, SurvivesWhatAPluginDoesToItsProcess) {
+  const TPluginDir plugins({"aborts", "hangs", "leaves", "noisy"});
+  const TResult result = Collect(plugins, {"--format", "json", "--timeout", "1"});
+  EXPECT_EQ(3, result.code);
+  EXPECT_EQ(
+      "zel: plug-in aborts failed: was ended by signal 6 (Aborted); 'zel plugins' tells its "
+      "state\n"
+      "zel: plug-in hangs failed: did not answer within 1 s; 'zel plugins' tells its state\n"
+      "zel: plug-in leaves failed: ended its process with status 0; 'zel plugins' tells its "
+      "state\n",
+      result.err);
+  const auto document = nlohmann::json::parse(result.out);
+  EXPECT_EQ(true, document.at("partial"));
+  EXPECT_EQ(0u, document.at("classes").at("Aborts_Thing").size());
+  EXPECT_EQ(1u, document.at("classes").at("Noisy_Thing").size());
+}
+
+TEST(Collect, WritesALog) {
+  const TPluginDir plugins({"aborts", "noisy"});
+  const std::string log = plugins.PathOf("zel.log");
+  EXPECT_EQ(3, Collect(plugins, {"--log", log, "--log-level", "debug"}).code);
+  const std::string text = ReadFile(log);
+  EXPECT_THAT(text, StartsWith("-- VNT Log Opened ----------------------------\n"));
+  EXPECT_THAT(text, HasSubstr("ZEL_Core: [Debug] Asking plugin noisy for Noisy_Thing\n"));
+  EXPECT_THAT(text, HasSubstr("ZEL_Core: [Error] Plugin aborts was ended by signal 6 (Aborted)\n"));
+  EXPECT_THAT(text, testing::EndsWith("-- VNT Log Closed ----------------------------\n"));
+
+  const TResult refused = Collect(plugins, {"--log", "/nowhere/zel.log"});
+  EXPECT_EQ(7, refused.code);
+  EXPECT_EQ(
+      "zel: cannot write the log file '/nowhere/zel.log': No such file or directory; name "
+      "another with --log\n",
+      refused.err);
+}
+
+TEST(Collect, NamesTheLineOfABrokenDocument) {
+  const TPluginDir plugins({"noisy"});
+  fs::create_directory(plugins.PathOf("torn"));
+  fs::copy(fs::path(ZEL_TEST_PLUGINS) / "aborts" / "libaborts.pi.so",
+           plugins.PathOf("torn/libtorn.pi.so"));
+  plugins.WriteFile("torn/torn.properties.xml", "<CIM CIMVERSION=\"2.0\"\n DTDVERSION=\"9\"/>");
+  const TResult result = Collect(plugins, {"--format", "json"});
+  EXPECT_EQ(3, result.code);
+  EXPECT_THAT(result.err, HasSubstr("plug-in aborts failed: CIM-XML Parser line 2:Unknown DTD "
+                                    "version; "));
+  const auto document = nlohmann::json::parse(result.out);
+  EXPECT_EQ(1u, document.at("classes").at("Noisy_Thing").size());
+}
+
+TEST(Plugins, TellsStatePathAndClasses) {
+  const TPluginDir plugins({"noisy"});
+  plugins.WriteFile("text/libtext.pi.so", "not a library");
+  const TResult result = Zel({"plugins", "--plugin-dir", plugins.GetPath(), "--base", kBase});
+  EXPECT_EQ(3, result.code);
+  EXPECT_THAT(result.out, HasSubstr("noisy 1.0\n"
+                                    "  state    ready\n"
+                                    "  path     " +
+                                    plugins.PathOf("noisy/libnoisy.pi.so") +
+                                    "\n"
+                                    "  classes  Noisy_Thing\n"));
+  EXPECT_THAT(result.out, HasSubstr("text -\n"
+                                    "  state    not loaded\n"
+                                    "  path     " +
+                                    plugins.PathOf("text/libtext.pi.so") +
+                                    "\n"
+                                    "  reason   ERROR: Failed to load plugin.  Reason: "));
+  EXPECT_EQ(
+      0, Zel({"plugins", "--plugin-dir", TPluginDir({"noisy"}).GetPath(), "--base", kBase}).code);
+}
+
+TEST(Main, NoticesThatTheOutputIsLost) {
+  std::ostringstream err;
+  std::ostream full(nullptr);  // every write fails
+  const char* argv[] = {"zel", "--version"};
+  EXPECT_EQ(7, zel::Main(2, argv, full, err));
+  EXPECT_EQ("zel: the output could not be written; is the disk full?\n", err.str());
+}
+
+}  // namespace
