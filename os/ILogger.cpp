@@ -1,0 +1,3 @@
+#include "zelcore/ILogger.h"
+
+ILogger::~ILogger() = default;
