@@ -14,8 +14,8 @@ class TContainer;
 
 // One typed CIM value: of a property, a qualifier, a key binding, an array element.
 //
-// A value has a CIM type, may be NULL (typed but without data) and may be an array. It is strict: it
-// converts only to the native type that matches its CIM type exactly, and every misuse throws
+// A value has a CIM type, may be NULL (typed but without data) and may be an array. It is strict:
+// it converts only to the native type that matches its CIM type exactly, and every misuse throws
 // TZELException. Copies are deep.
 class ZEL_API TCIMValue {
  public:
@@ -92,8 +92,8 @@ class ZEL_API TCIMValue {
   // As Set(type, maxArraySize, elements).
   TCIMValue(TCIMType type, unsigned int maxArraySize, const std::vector<TCIMValue>& elements);
 
-  // `text` read as a value of `type`. Numbers leave the base open (0x hexadecimal, leading 0 octal);
-  // a text that is no number gives 0, one that is no boolean false, without failing. Throws
+  // `text` read as a value of `type`. Numbers leave the base open (0x hexadecimal, leading 0
+  // octal); a text that is no number gives 0, one that is no boolean false, without failing. Throws
   // zelStatusTypeMismatch for TypeNone, TypeChar and arrays, zelStatusInvalidDateTime for a bad
   // datetime, and zelStatusNotImplemented for references: paths are not read from text.
   TCIMValue(TCIMType type, const std::string& text, TContainer& container);
@@ -114,14 +114,14 @@ class ZEL_API TCIMValue {
   void Set(const char* value);
   void Set(const TCIMDateTime& value);
 
-  // The referenced class becomes the path's. Throws zelStatusInvalidReference, with nothing changed,
-  // for a path without a class.
+  // The referenced class becomes the path's. Throws zelStatusInvalidReference, with nothing
+  // changed, for a path without a class.
   void Set(const TCIMReference& value);
   void Set(TCIMReference&& value);
 
-  // An array of `type` (the array flag may be left out) holding `elements`. `maxArraySize` is stored
-  // and never enforced. Throws zelStatusInvalidProperty when an element has another type; the
-  // array has been set all the same.
+  // An array of `type` (the array flag may be left out) holding `elements`. `maxArraySize` is
+  // stored and never enforced. Throws zelStatusInvalidProperty when an element has another type;
+  // the array has been set all the same.
   void Set(TCIMType type, unsigned int maxArraySize, const std::vector<TCIMValue>& elements);
   void Set(TCIMType type, unsigned int maxArraySize, std::vector<TCIMValue>&& elements);
 
@@ -182,6 +182,15 @@ class ZEL_API TCIMValue {
   bool operator<=(const TCIMValue& other) const { return !(other < *this); }
 
  private:
+  friend class TCIMValueImpl;
+
+  template <class T>
+  T Convert() const;
+  template <class T>
+  void SetNumber(T value);
+  // Takes `impl`; the one before is deleted last, since it may hold what is being copied.
+  void Replace(TCIMType type, TCIMValueImpl* impl);
+
   TCIMType fType;
   unsigned int fMaxArraySize;
   TCIMValueImpl* fImpl;  // owned; null means NULL

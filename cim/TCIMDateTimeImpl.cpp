@@ -1,0 +1,312 @@
+#include "cim/TCIMDateTimeImpl.h"
+
+#include <charconv>
+#include <cstdlib>
+#include <functional>
+#include <iterator>
+#include <string_view>
+
+#include "zelcore/detail/Ascii.h"
+#include "zelcore/detail/Fail.h"
+
+using zelcore::detail::Fail;
+using zelcore::detail::IsAsciiDigit;
+
+namespace {
+
+constexpr long kMicro = 1000000;  // microseconds in a second
+constexpr std::size_t kTextLength = 25;
+
+// The fields as mktime() reads them in the process's time zone, without daylight saving.
+std::time_t MakeTime(unsigned short year, unsigned short month, unsigned int day,
+                     unsigned short hour, int minute, unsigned short second) {
+  std::tm fields{};
+  fields.tm_year = year - 1900;
+  fields.tm_mon = month - 1;
+  fields.tm_mday = static_cast<int>(day);
+  fields.tm_hour = hour;
+  fields.tm_min = minute;
+  fields.tm_sec = second;
+  return std::mktime(&fields);
+}
+
+std::tm LocalTime(std::time_t seconds) {
+  std::tm fields;
+  if (!localtime_r(&seconds, &fields)) Fail(zelStatusInvalidDateTime);
+  return fields;
+}
+
+// The point in time that lies |microSeconds| after the epoch.
+TCIMDateTime PointInTime(long microSeconds, short utcOffset) {
+  const long distance = std::labs(microSeconds);
+  std::time_t seconds = distance / kMicro;
+  std::tm fields = LocalTime(seconds);
+  if (fields.tm_isdst > 0) fields = LocalTime(seconds -= 3600);
+  return TCIMDateTime(
+      static_cast<unsigned short>(fields.tm_year + 1900),
+      static_cast<unsigned short>(fields.tm_mon + 1), static_cast<unsigned int>(fields.tm_mday),
+      static_cast<unsigned short>(fields.tm_hour), static_cast<unsigned short>(fields.tm_min),
+      static_cast<unsigned short>(fields.tm_sec), static_cast<unsigned int>(distance % kMicro),
+      utcOffset);
+}
+
+// The interval of |microSeconds|.
+TCIMDateTime Interval(long microSeconds) {
+  const long distance = std::labs(microSeconds);
+  const long seconds = distance / kMicro;
+  return TCIMDateTime(static_cast<unsigned int>(seconds / 3600 / 24),
+                      static_cast<unsigned short>(seconds / 3600 % 24),
+                      static_cast<unsigned short>(seconds / 60 % 60),
+                      static_cast<unsigned short>(seconds % 60),
+                      static_cast<unsigned int>(distance % kMicro));
+}
+
+unsigned int Number(std::string_view digits) {
+  unsigned int number = 0;
+  for (char digit : digits) number = number * 10 + static_cast<unsigned int>(digit - '0');
+  return number;
+}
+
+unsigned short ShortNumber(std::string_view digits) {
+  return static_cast<unsigned short>(Number(digits));
+}
+
+// Whether every character is a digit, but for the two marks at 14 and 21.
+bool HasForm(std::string_view text) {
+  if (text.size() != kTextLength || text[14] != '.') return false;
+  for (std::size_t i = 0; i < text.size(); ++i) {
+    if (i != 14 && i != 21 && !IsAsciiDigit(text[i])) return false;
+  }
+  return true;
+}
+
+// Puts texts together from parts and numbers, which are filled up with zeros to their widths.
+class TPrinter {
+ public:
+  TPrinter() { fText.reserve(2 * kTextLength); }
+
+  TPrinter& Add(std::string_view part) {
+    fText += part;
+    return *this;
+  }
+
+  TPrinter& Add(unsigned long number, std::size_t width) {
+    char digits[20];
+    const char* const end = std::to_chars(digits, std::end(digits), number).ptr;
+    const std::size_t length = static_cast<std::size_t>(end - digits);
+    if (length < width) fText.append(width - length, '0');
+    fText.append(digits, length);
+    return *this;
+  }
+
+  // "1 day " or "5 days "; nothing for 0.
+  TPrinter& AddCount(unsigned int count, std::string_view unit) {
+    if (count == 0) return *this;
+    return Add(count, 1).Add(" ").Add(unit).Add(count == 1 ? " " : "s ");
+  }
+
+  const std::string& Text() const { return fText; }
+
+ private:
+  std::string fText;
+};
+
+}  // namespace
+
+TCIMDateTimeImpl::TCIMDateTimeImpl(const TCIMDateTimeImpl& other)
+    : fIsNull(other.fIsNull),
+      fYear(other.fYear),
+      fMonth(other.fMonth),
+      fDay(other.fDay),
+      fHour(other.fHour),
+      fMinute(other.fMinute),
+      fSecond(other.fSecond),
+      fMicroSeconds(other.fMicroSeconds),
+      fUTCOffset(other.fUTCOffset),
+      fIsInterval(other.fIsInterval) {}
+
+// The year alone answers for all but old moments. mktime() refuses fields only by its -1, which is
+// also its answer for the second before the epoch. From 1971 on no fields reach back that far:
+// a month 0 and a day 0 take away less than five weeks, offset and time zone less than four. Days
+// that are negative as an int could.
+bool TCIMDateTimeImpl::IsValid(unsigned short year, unsigned short month, unsigned int day,
+                               unsigned short hour, unsigned short minute, unsigned short second,
+                               unsigned int, short utcOffset) {
+  constexpr unsigned int kAnyDayOfText = 99;
+  if (year > 1970 && day <= kAnyDayOfText) return true;
+  return MakeTime(year, month, day, hour, minute - utcOffset, second) != -1;
+}
+
+bool TCIMDateTimeImpl::IsValid(unsigned int, unsigned short hours, unsigned short minutes,
+                               unsigned short seconds, unsigned int microSeconds) {
+  return hours <= 23 && minutes <= 59 && seconds <= 59 && microSeconds < kMicro;
+}
+
+void TCIMDateTimeImpl::Set(unsigned short year, unsigned short month, unsigned int day,
+                           unsigned short hour, unsigned short minute, unsigned short second,
+                           unsigned int microSeconds, short utcOffset) {
+  if (!IsValid(year, month, day, hour, minute, second, microSeconds, utcOffset)) {
+    Fail(zelStatusInvalidDateTime);
+  }
+  fYear = year;
+  fMonth = month;
+  fDay = day;
+  fHour = hour;
+  fMinute = minute;
+  fSecond = second;
+  fMicroSeconds = microSeconds;
+  fUTCOffset = utcOffset;
+  fIsNull = false;
+  fIsInterval = false;
+}
+
+void TCIMDateTimeImpl::Set(unsigned int days, unsigned short hours, unsigned short minutes,
+                           unsigned short seconds, unsigned int microSeconds) {
+  if (!IsValid(days, hours, minutes, seconds, microSeconds)) Fail(zelStatusInvalidDateTime);
+  fDay = days;
+  fHour = hours;
+  fMinute = minutes;
+  fSecond = seconds;
+  fMicroSeconds = microSeconds;
+  fIsNull = false;
+  fIsInterval = true;
+}
+
+void TCIMDateTimeImpl::Set(const std::string& text) {
+  if (!HasForm(text)) Fail(zelStatusInvalidDateTime);
+  const std::string_view digits = text;
+  const unsigned short hour = ShortNumber(digits.substr(8, 2));
+  const unsigned short minute = ShortNumber(digits.substr(10, 2));
+  const unsigned short second = ShortNumber(digits.substr(12, 2));
+  const unsigned int microSeconds = Number(digits.substr(15, 6));
+  const short suffix = static_cast<short>(Number(digits.substr(22, 3)));
+  const char kind = text[21];
+
+  if (kind == ':' && suffix == 0) {
+    // sic: days of a text are cut to 16 bits.
+    Set(ShortNumber(digits.substr(0, 8)), hour, minute, second, microSeconds);
+  } else if (kind == '+' || kind == '-') {
+    Set(ShortNumber(digits.substr(0, 4)), ShortNumber(digits.substr(4, 2)),
+        Number(digits.substr(6, 2)), hour, minute, second, microSeconds,
+        static_cast<short>(kind == '-' ? -suffix : suffix));
+  } else {
+    Fail(zelStatusInvalidDateTime);
+  }
+}
+
+std::string TCIMDateTimeImpl::ToString() const {
+  RequireValue();
+  TPrinter out;
+  if (fIsInterval) {
+    out.Add(fDay, 8);
+  } else {
+    out.Add(fYear, 4).Add(fMonth, 2).Add(fDay, 2);
+  }
+  out.Add(fHour, 2).Add(fMinute, 2).Add(fSecond, 2).Add(".").Add(fMicroSeconds, 6);
+  if (fIsInterval) return out.Add(":000").Text();
+  out.Add(fUTCOffset < 0 ? "-" : "+");
+  return out.Add(static_cast<unsigned long>(std::abs(fUTCOffset)), 3).Text();
+}
+
+std::string TCIMDateTimeImpl::ToUIString() const {
+  RequireValue();
+  TPrinter out;
+  if (fIsInterval) {
+    return out.AddCount(fDay, "day")
+        .AddCount(fHour, "hour")
+        .AddCount(fMinute, "minute")
+        .AddCount(fSecond, "second")
+        .AddCount(fMicroSeconds / 1000, "millisecond")
+        .AddCount(fMicroSeconds % 1000, "microsecond")
+        .Text();
+  }
+  out.Add(fMonth, 2).Add("/").Add(fDay, 2).Add("/").Add(fYear, 4).Add(" ");
+  if (fPrecision) return out.Text();
+  return out.Add(fHour, 2).Add(":").Add(fMinute, 2).Add(":").Add(fSecond, 2).Text();
+}
+
+std::string TCIMDateTimeImpl::ToAbbrUIString() const {
+  RequireValue();
+  if (!fIsInterval) return "";
+  return TPrinter()
+      .Add(fDay * 24ul + fHour, 2)
+      .Add(":")
+      .Add(fMinute, 2)
+      .Add(":")
+      .Add(fSecond, 2)
+      .Add(".")
+      .Add(fMicroSeconds / 1000, 3)
+      .Text();
+}
+
+void TCIMDateTimeImpl::RequireValue() const {
+  if (fIsNull) Fail(zelStatusInvalidDateTime);
+}
+
+// The moment of a point in time, its minutes moved back by `utcOffset`.
+std::time_t TCIMDateTimeImpl::ToTime(int utcOffset) const {
+  const std::time_t time = MakeTime(fYear, fMonth, fDay, fHour, fMinute - utcOffset, fSecond);
+  // A day beyond all calendars would overflow the microseconds that are computed from this.
+  constexpr std::time_t kFarthest = 4000000000000;
+  if (time == -1 || std::labs(time) > kFarthest) Fail(zelStatusInvalidDateTime);
+  return time;
+}
+
+long TCIMDateTimeImpl::UTCMicroSeconds() const {
+  return (ToTime(0) - fUTCOffset * 60) * kMicro + fMicroSeconds;
+}
+
+// sic: in 32 bits, so that lengths beyond 49710 days wrap.
+unsigned int TCIMDateTimeImpl::TotalSeconds() const {
+  return fDay * 86400 + fHour * 3600u + fMinute * 60u + fSecond;
+}
+
+long TCIMDateTimeImpl::TotalMicroSeconds() const { return TotalSeconds() * kMicro + fMicroSeconds; }
+
+// Calls `decide` with the seconds of both sides where these differ, else with their microseconds.
+template <class TDecide>
+bool TCIMDateTimeImpl::Compare(const TCIMDateTimeImpl& other, TDecide decide) const {
+  RequireValue();
+  other.RequireValue();
+  if (fIsInterval != other.fIsInterval) Fail(zelStatusInvalidDateTime);
+  const long a = fIsInterval ? TotalSeconds() : ToTime(fUTCOffset);
+  const long b = fIsInterval ? other.TotalSeconds() : other.ToTime(other.fUTCOffset);
+  return a != b ? decide(a, b) : decide(fMicroSeconds, other.fMicroSeconds);
+}
+
+bool TCIMDateTimeImpl::operator==(const TCIMDateTimeImpl& other) const {
+  return Compare(other, std::equal_to<>());
+}
+
+bool TCIMDateTimeImpl::operator<(const TCIMDateTimeImpl& other) const {
+  return Compare(other, std::less<>());
+}
+
+TCIMDateTime TCIMDateTimeImpl::operator+(const TCIMDateTimeImpl& other) const {
+  RequireValue();
+  other.RequireValue();
+  if (fIsInterval && other.fIsInterval) {
+    return Interval(TotalMicroSeconds() + other.TotalMicroSeconds());
+  }
+  if (fIsInterval) return other + *this;
+  if (!other.fIsInterval) Fail(zelStatusInvalidDateTime);
+  // The offset from UTC is carried along, not applied.
+  return PointInTime(ToTime(0) * kMicro + fMicroSeconds + other.TotalMicroSeconds(), fUTCOffset);
+}
+
+TCIMDateTime TCIMDateTimeImpl::operator-(const TCIMDateTimeImpl& other) const {
+  RequireValue();
+  other.RequireValue();
+  if (fIsInterval && other.fIsInterval) {
+    return Interval(other.TotalMicroSeconds() - TotalMicroSeconds());
+  }
+  if (!fIsInterval && !other.fIsInterval) {
+    return Interval(other.UTCMicroSeconds() - UTCMicroSeconds());
+  }
+  const TCIMDateTimeImpl& point = fIsInterval ? other : *this;
+  const TCIMDateTimeImpl& interval = fIsInterval ? *this : other;
+  // sic: the interval is taken off in either order, but the microseconds always go from left to
+  // right.
+  const long seconds = point.ToTime(0) - interval.TotalSeconds();
+  return PointInTime(seconds * kMicro + fMicroSeconds - other.fMicroSeconds, point.fUTCOffset);
+}

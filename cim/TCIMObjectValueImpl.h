@@ -1,0 +1,57 @@
+#pragma once
+
+#include <string>
+#include <utility>
+
+#include "cim/TCIMValueImpl.h"
+#include "zelcore/TCIMDateTime.h"
+#include "zelcore/TCIMReference.h"
+#include "zelcore/detail/Export.h"
+
+// What the variants that hold one object of class T have in common: they convert to T alone and
+// compare as T does.
+template <class T, TCIMValue::TCIMType::ECIMType kType>
+class TCIMObjectValueImpl : public TCIMValueImpl {
+ public:
+  template <class... TArgs>
+  explicit TCIMObjectValueImpl(std::in_place_t, TArgs&&... args)
+      : fValue(std::forward<TArgs>(args)...) {}
+
+  operator T() const override { return fValue; }
+
+  bool operator==(const TCIMValue& other) const override {
+    return other.GetType() == kType && fValue == ValueOf(other);
+  }
+  bool operator<(const TCIMValue& other) const override {
+    return other.GetType() == kType && fValue < ValueOf(other);
+  }
+
+ protected:
+  const T fValue;
+
+ private:
+  static const T& ValueOf(const TCIMValue& value) {
+    return static_cast<const TCIMObjectValueImpl&>(VariantOf(value)).fValue;
+  }
+};
+
+class ZEL_API TCIMStringValueImpl final
+    : public TCIMObjectValueImpl<std::string, TCIMValue::TCIMType::TypeString> {
+ public:
+  using TCIMObjectValueImpl::TCIMObjectValueImpl;
+  std::string ToString(unsigned char) const override { return fValue; }
+};
+
+class ZEL_API TCIMDateTimeValueImpl final
+    : public TCIMObjectValueImpl<TCIMDateTime, TCIMValue::TCIMType::TypeDateTime> {
+ public:
+  using TCIMObjectValueImpl::TCIMObjectValueImpl;
+  std::string ToString(unsigned char) const override { return fValue.ToString(); }
+};
+
+class ZEL_API TCIMReferenceValueImpl final
+    : public TCIMObjectValueImpl<TCIMReference, TCIMValue::TCIMType::TypeReference> {
+ public:
+  using TCIMObjectValueImpl::TCIMObjectValueImpl;
+  std::string ToString(unsigned char) const override { return fValue.GetPath(); }
+};

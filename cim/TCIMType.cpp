@@ -1,0 +1,54 @@
+#include <iterator>
+#include <ostream>
+
+#include "cim/TypeText.h"
+#include "zelcore/TCIMValue.h"
+#include "zelcore/detail/Ascii.h"
+#include "zelcore/detail/Fail.h"
+
+using zelcore::detail::EqualsIgnoringAsciiCase;
+using zelcore::detail::Fail;
+using zelcore::detail::TypeText;
+
+namespace {
+
+using TCIMType = TCIMValue::TCIMType;
+
+// Indexed by type code.
+constexpr const char* kTypeTexts[] = {
+    "",       "boolean", "uint8",  "sint8",  "uint16", "sint16", "uint32",   "sint32",
+    "uint64", "sint64",  "real32", "real64", "char",   "string", "datetime", "reference",
+};
+static_assert(std::size(kTypeTexts) == TCIMType::TypeReference + 1);
+
+TCIMType::ECIMType FindType(const std::string& name) {
+  for (unsigned int code = TCIMType::TypeBoolean; code <= TCIMType::TypeDateTime; ++code) {
+    if (code != TCIMType::TypeChar && EqualsIgnoringAsciiCase(name, kTypeTexts[code])) {
+      return TCIMType::ECIMType(code);
+    }
+  }
+  Fail(zelStatusTypeMismatch);
+}
+
+}  // namespace
+
+namespace zelcore::detail {
+
+const char* TypeText(TCIMType type) {
+  const unsigned int code = type & ~TCIMType::TypeArray;
+  return code < std::size(kTypeTexts) ? kTypeTexts[code] : "";
+}
+
+}  // namespace zelcore::detail
+
+TCIMValue::TCIMType::TCIMType(const std::string& name) : fCode(FindType(name)) {}
+
+std::string TCIMValue::TCIMType::ToString() const {
+  std::string text = TypeText(*this);
+  if (text.empty()) Fail(zelStatusTypeMismatch);
+  return text;
+}
+
+std::ostream& operator<<(std::ostream& out, const TCIMValue::TCIMType& type) {
+  return out << type.ToString();
+}
