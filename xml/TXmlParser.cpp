@@ -133,38 +133,43 @@ class TXmlParser::TOpenElements {
   std::vector<TElement> fElements;
 };
 
-// The attributes of one start tag after the other. The nodes of the map are used again, so that an
-// ordinary tag allocates nothing.
+// The attributes of one start tag after the other. Tags alike mostly carry the same attributes, so a
+// map is kept as it was for the next tag of its kind, which then only assigns values.
 class TXmlParser::TAttributes {
  public:
-  // False for a name that is there already.
+  // Begins the tag of that name.
+  void Begin(std::string_view tag) {
+    const std::size_t kind = tag.size() + 7u * static_cast<unsigned char>(tag.back());
+    fMap = &fMaps[kind % std::size(fMaps)];
+    fNext = fMap->begin();
+  }
+
+  // False for a name that the tag has already.
   bool Insert(std::string_view name, std::string_view value) {
-    if (fSpare.empty()) return fMap.emplace(name, value).second;
-    TAttributeMap::node_type node = std::move(fSpare.back());
-    fSpare.pop_back();
-    node.key().assign(name);
-    node.mapped().assign(value);
-    fMap.insert(fMap.end(), std::move(node));
-    return node.empty();
-  }
-
-  void Clear() {
-    while (!fMap.empty()) {
-      TAttributeMap::node_type node = fMap.extract(fMap.begin());
-      if (fSpare.size() < kMaxSpare && node.mapped().capacity() <= kMaxSpareCapacity) {
-        fSpare.push_back(std::move(node));
-      }
+    if (fNext != fMap->end() && fNext->first == name) {
+      fNext->second.assign(value);
+      ++fNext;
+      return true;
     }
+    DropRest();
+    return fMap->emplace(name, value).second;
   }
 
-  TAttributeMap& GetMap() { return fMap; }
+  // The attributes inserted since Begin().
+  TAttributeMap& Finish() {
+    DropRest();
+    return *fMap;
+  }
 
  private:
-  static constexpr std::size_t kMaxSpare = 16;
-  static constexpr std::size_t kMaxSpareCapacity = 4096;
+  // What an earlier tag left behind in places that this one has not come to.
+  void DropRest() {
+    if (fNext != fMap->end()) fNext = fMap->erase(fNext, fMap->end());
+  }
 
-  TAttributeMap fMap;
-  std::vector<TAttributeMap::node_type> fSpare;
+  std::array<TAttributeMap, 16> fMaps;
+  TAttributeMap* fMap = nullptr;
+  TAttributeMap::iterator fNext;
 };
 
 TXmlParser::~TXmlParser() = default;
@@ -275,6 +280,7 @@ bool TXmlParser::ParseStartTag(TOpenElements& open, TAttributes& attributes) {
   char* const name = fPosition;
   if (!ValidateName()) return false;
   char* const nameEnd = fPosition;
+  attributes.Begin({name, static_cast<std::size_t>(nameEnd - name)});
   while (SkipWhitespace() && PeekChar() != '/' && PeekChar() != '>') {
     if (!ParseAttribute(attributes)) return false;
   }
@@ -283,8 +289,7 @@ bool TXmlParser::ParseStartTag(TOpenElements& open, TAttributes& attributes) {
   if (GetChar() != '>') return Refuse("Unexpected character before end of element");
 
   open.Push(name, nameEnd);
-  StartElement(name, attributes.GetMap());
-  attributes.Clear();
+  StartElement(name, attributes.Finish());
   if (isEmpty) {
     EndElement(name);
     open.Pop();
