@@ -62,6 +62,15 @@ char* FindNot(char* at, EByteClass byteClass) {
   return at;
 }
 
+// Names are too short for a call to be worth it.
+bool AreSame(const std::string& a, std::string_view b) {
+  if (a.size() != b.size()) return false;
+  for (std::size_t i = 0; i < b.size(); ++i) {
+    if (a[i] != b[i]) return false;
+  }
+  return true;
+}
+
 struct TEntity {
   std::string_view name;
   char byte;
@@ -110,20 +119,18 @@ class TXmlParser::TOpenElements {
 
   bool IsEmpty() const { return fElements.empty(); }
   void Push(char* name, char* nameEnd) {
-    fElements.push_back({name, nameEnd, *nameEnd});
+    fElements.emplace_back(name, nameEnd, *nameEnd);
     fParser.Cover(nameEnd);
   }
   void Pop() {
     fParser.Uncover(fElements.back().nameEnd, fElements.back().covered);
     fElements.pop_back();
   }
-  std::string_view GetName() const {
-    const TElement& top = fElements.back();
-    return {top.name, static_cast<std::size_t>(top.nameEnd - top.name)};
-  }
+  const char* GetName() const { return fElements.back().name; }
 
  private:
   struct TElement {
+    TElement(char* n, char* end, char byte) : name(n), nameEnd(end), covered(byte) {}
     char* name;
     char* nameEnd;
     char covered;
@@ -133,8 +140,8 @@ class TXmlParser::TOpenElements {
   std::vector<TElement> fElements;
 };
 
-// The attributes of one start tag after the other. Tags alike mostly carry the same attributes, so a
-// map is kept as it was for the next tag of its kind, which then only assigns values.
+// The attributes of one start tag after the other. Tags alike mostly carry the same attributes, so
+// a map is kept as it was for the next tag of its kind, which then only assigns values.
 class TXmlParser::TAttributes {
  public:
   // Begins the tag of that name.
@@ -146,7 +153,7 @@ class TXmlParser::TAttributes {
 
   // False for a name that the tag has already.
   bool Insert(std::string_view name, std::string_view value) {
-    if (fNext != fMap->end() && fNext->first == name) {
+    if (fNext != fMap->end() && AreSame(fNext->first, name)) {
       fNext->second.assign(value);
       ++fNext;
       return true;
@@ -187,6 +194,19 @@ unsigned int TXmlParser::GetCurLine() const {
   for (; fCountedTo < fPosition; ++fCountedTo) fCountedLines += *fCountedTo == '\n';
   while (fCountedTo > fPosition) fCountedLines -= *--fCountedTo == '\n';
   return fCountedLines + 1;
+}
+
+// name := [A-Za-z_:] [A-Za-z0-9._:-]*
+inline bool TXmlParser::ValidateName() {
+  if (!Is(GetChar(), kStartsName)) return Refuse("Invalid element/attribute name");
+  fPosition = FindNot(fPosition, kInName);
+  return true;
+}
+
+inline bool TXmlParser::SkipWhitespace() {
+  char* const start = fPosition;
+  fPosition = FindNot(start, kIsSpace);
+  return fPosition != start;
 }
 
 // prolog := [xmlDecl misc* [docTypeDecl misc*]]
@@ -349,25 +369,16 @@ bool TXmlParser::ParseContent(TOpenElements& open) {
 
 // endTag := '</' name '>'      The '</' has been read.
 bool TXmlParser::ParseEndTag(TOpenElements& open) {
-  char* const name = fPosition;
-  if (!ValidateName()) return false;
-  const std::string_view started = open.GetName();
-  const std::string_view ended(name, static_cast<std::size_t>(fPosition - name));
+  const char* started = open.GetName();
+  char* ended = fPosition;
+  for (; *started && *started == *ended; ++started) ++ended;
+  if (*started) return ValidateName() && Refuse("Start and end element names don't match");
   // sic: only as much as the start tag says is compared, so </abcd> ends <abc>.
-  if (ended.substr(0, started.size()) != started) {
-    return Refuse("Start and end element names don't match");
-  }
+  fPosition = FindNot(ended, kInName);
   SkipWhitespace();
   if (GetChar() != '>') return Refuse("Unexpected character before end of element");
-  EndElement(started.data());
+  EndElement(open.GetName());
   open.Pop();
-  return true;
-}
-
-// name := [A-Za-z_:] [A-Za-z0-9._:-]*
-bool TXmlParser::ValidateName() {
-  if (!Is(GetChar(), kStartsName)) return Refuse("Invalid element/attribute name");
-  fPosition = FindNot(fPosition, kInName);
   return true;
 }
 
@@ -429,12 +440,6 @@ bool TXmlParser::ParseNumericReference() {
   }
   FatalError("Unknown entity reference");
   return false;
-}
-
-bool TXmlParser::SkipWhitespace() {
-  char* const start = fPosition;
-  fPosition = FindNot(start, kIsSpace);
-  return fPosition != start;
 }
 
 bool TXmlParser::Refuse(const char* message) {
