@@ -147,7 +147,7 @@ template <class TCompare>
 bool TCIMNumericValueImpl::Compare(const TCIMValue& other, TCompare compare) const {
   return other.GetType() == fType && VisitNumeric(fType, [&](auto tag) {
            using T = typename decltype(tag)::type;
-           return compare(Native<T>(), other.operator T());
+           return compare(Native<T>(), static_cast<T>(other));
          });
 }
 
