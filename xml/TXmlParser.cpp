@@ -197,17 +197,21 @@ unsigned int TXmlParser::GetCurLine() const {
 }
 
 // name := [A-Za-z_:] [A-Za-z0-9._:-]*
-inline bool TXmlParser::ValidateName() {
+inline bool TXmlParser::ReadName() {
   if (!Is(GetChar(), kStartsName)) return Refuse("Invalid element/attribute name");
   fPosition = FindNot(fPosition, kInName);
   return true;
 }
 
-inline bool TXmlParser::SkipWhitespace() {
+inline bool TXmlParser::ReadWhitespace() {
   char* const start = fPosition;
   fPosition = FindNot(start, kIsSpace);
   return fPosition != start;
 }
+
+bool TXmlParser::ValidateName() { return ReadName(); }
+
+bool TXmlParser::SkipWhitespace() { return ReadWhitespace(); }
 
 // prolog := [xmlDecl misc* [docTypeDecl misc*]]
 bool TXmlParser::ParseProlog() {
@@ -240,7 +244,7 @@ bool TXmlParser::ParseXMLDecl() { return SkipPast("?>"); }
 bool TXmlParser::ParseDocTypeDecl() {
   if (!Expect("<!DOCTYPE")) return Refuse("Unexpected character in doctypedecl");
   if (!SkipPast(">")) return false;
-  SkipWhitespace();
+  ReadWhitespace();
   return true;
 }
 
@@ -248,7 +252,7 @@ bool TXmlParser::ParseDocTypeDecl() {
 bool TXmlParser::ParseMisc() {
   if (GetChar() != '<') {
     UngetChar();
-    return SkipWhitespace() && PeekChar();
+    return ReadWhitespace() && PeekChar();
   }
   switch (GetChar()) {
     case '?': Unget(2); return ParseProcessingInstruction();
@@ -298,10 +302,10 @@ bool TXmlParser::ParseElement() {
 bool TXmlParser::ParseStartTag(TOpenElements& open, TAttributes& attributes) {
   if (GetChar() != '<') return Refuse("Unexpected character before element");
   char* const name = fPosition;
-  if (!ValidateName()) return false;
+  if (!ReadName()) return false;
   char* const nameEnd = fPosition;
   attributes.Begin({name, static_cast<std::size_t>(nameEnd - name)});
-  while (SkipWhitespace() && PeekChar() != '/' && PeekChar() != '>') {
+  while (ReadWhitespace() && PeekChar() != '/' && PeekChar() != '>') {
     if (!ParseAttribute(attributes)) return false;
   }
   const bool isEmpty = PeekChar() == '/';
@@ -320,11 +324,11 @@ bool TXmlParser::ParseStartTag(TOpenElements& open, TAttributes& attributes) {
 // attribute := name '=' ('"' value '"' | "'" value "'")
 bool TXmlParser::ParseAttribute(TAttributes& attributes) {
   char* const name = fPosition;
-  if (!ValidateName()) return false;
+  if (!ReadName()) return false;
   char* const nameEnd = fPosition;
-  SkipWhitespace();
+  ReadWhitespace();
   if (GetChar() != '=') return Refuse("Unexpected character between attribute name and value");
-  SkipWhitespace();
+  ReadWhitespace();
   const char quote = GetChar();
   if (quote != '"' && quote != '\'') {
     return Refuse("Unexpected character after equals of attribute name");
@@ -372,10 +376,10 @@ bool TXmlParser::ParseEndTag(TOpenElements& open) {
   const char* started = open.GetName();
   char* ended = fPosition;
   for (; *started && *started == *ended; ++started) ++ended;
-  if (*started) return ValidateName() && Refuse("Start and end element names don't match");
+  if (*started) return ReadName() && Refuse("Start and end element names don't match");
   // sic: only as much as the start tag says is compared, so </abcd> ends <abc>.
   fPosition = FindNot(ended, kInName);
-  SkipWhitespace();
+  ReadWhitespace();
   if (GetChar() != '>') return Refuse("Unexpected character before end of element");
   EndElement(open.GetName());
   open.Pop();

@@ -72,6 +72,10 @@ class ZEL_API TXmlParser {
   class TOpenElements;
   class TAttributes;
 
+  // Inline in the source: the rules around them are too hot for calls.
+  bool ReadName();
+  bool ReadWhitespace();
+
   bool ParseStartTag(TOpenElements& open, TAttributes& attributes);
   bool ParseAttribute(TAttributes& attributes);
   bool ParseContent(TOpenElements& open);
