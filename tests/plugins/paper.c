@@ -1,0 +1,18 @@
+/* Type 1: has a document and is never asked for data. */
+#include "plugin.h"
+
+static zelPluginInfo GetInfo(TCPluginCallbacks* plugin) {
+  (void)plugin;
+  return (zelPluginInfo){"paper", "1.0", "1.0", 1, 0};
+}
+
+static zelStatusCode GetData(TCPluginCallbacks* plugin, zelIOHandle* handle,
+                             const char** classNames, int count) {
+  (void)handle, (void)classNames, (void)count;
+  zelWriteLog(plugin, zelLogError, "asked for data");
+  return zelStatusOK;
+}
+
+__attribute__((constructor)) static void Load(void) {
+  Register((zelPluginCallbacks){NULL, Succeed, Succeed, GetData, GetInfo, Succeed});
+}
