@@ -32,6 +32,7 @@ class ZEL_API TOSSpecific {
   // cannot be opened, an existing `to` included, or the copy fails.
   static void FileCopy(const std::string& from, const std::string& to);
 
+  // Throws zelStatusFail where there is none, in a directory that was removed for example.
   static std::string GetCurrentDir();
 
   // Now, in milliseconds, as local time with its offset from UTC.
@@ -52,7 +53,7 @@ class ZEL_API TOSSpecific {
   // The next character of standard input without waiting for a line end; -1 at its end.
   static int GetKeyboardChar();
 
-  // Runs `command`, searched on PATH, with `args`, standard input closed, and waits for its end;
+  // Runs `command`, searched on PATH, with `args` and an empty standard input, and waits for its end;
   // `output` is what it wrote to standard output and error, in the order written. Returns its exit
   // code, 1 also when it could not be started. Throws zelStatusFail when a system call fails or a
   // signal ended it. A child that never ends blocks the caller.
@@ -68,7 +69,8 @@ class ZEL_API TOSSpecific {
   static std::string CaptureFile(const std::string& path);
 
   // The paths of the plug-ins below `directory`: every file whose name contains ".pi.so" in a
-  // subdirectory, in the system's order. Throws zelStatusFileSystemError.
+  // subdirectory, in the system's order. Throws zelStatusFileSystemError when `directory` cannot be
+  // read; a subdirectory that cannot is passed over with a warning.
   static std::vector<std::string> FindPlugins(const std::string& directory);
   // Loads the library for good, with global symbol visibility. Throws zelStatusFileSystemError.
   static void LoadPluginLibrary(const std::string& path);
