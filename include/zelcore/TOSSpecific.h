@@ -53,7 +53,7 @@ class ZEL_API TOSSpecific {
   // The next character of standard input without waiting for a line end; -1 at its end.
   static int GetKeyboardChar();
 
-  // Runs `command`, searched on PATH, with `args` and an empty standard input, and waits for its end;
+  // Runs `command`, searched on PATH, with `args` and no standard input, and waits for its end;
   // `output` is what it wrote to standard output and error, in the order written. Returns its exit
   // code, 1 also when it could not be started. Throws zelStatusFail when a system call fails or a
   // signal ended it. A child that never ends blocks the caller.

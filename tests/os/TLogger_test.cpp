@@ -4,6 +4,8 @@
 #include <gtest/gtest.h>
 #include <sys/stat.h>
 
+#include <locale>
+
 #include "tests/support/LogSpy.h"
 #include "tests/support/Status.h"
 #include "tests/support/TempDir.h"
@@ -254,6 +256,25 @@ TEST(TLogger, WritesBannersAndEachLineAtOnce) {
   EXPECT_EQ(std::string(kOpened) + "ZEL_Core: [Status] one\n", ReadFile(path));
   delete TLogger::GetInstance();
   EXPECT_EQ(std::string(kOpened) + "ZEL_Core: [Status] one\n" + kClosed, ReadFile(path));
+}
+
+TEST(TLogger, WritesTheBytesOfTheTextWhateverTheLocale) {
+  struct TShout : std::codecvt<char, char, std::mbstate_t> {
+    bool do_always_noconv() const noexcept override { return false; }
+    result do_out(std::mbstate_t&, const char* from, const char* fromEnd, const char*& fromNext,
+                  char* to, char* toEnd, char*& toNext) const override {
+      for (; from != fromEnd && to != toEnd; ++from) *to++ = '!';
+      fromNext = from;
+      toNext = to;
+      return ok;
+    }
+  };
+  const std::locale former = std::locale::global(std::locale(std::locale(), new TShout));
+  RestartLog();
+  const LogFile file;
+  Log(zelLogStatus, "text");
+  std::locale::global(former);
+  EXPECT_THAT(file.Lines(), ElementsAre("ZEL_Core: [Status] text"));
 }
 
 TEST(TLogger, WritesNothingWithoutAFile) {
