@@ -246,14 +246,20 @@ void TCIMDateTimeImpl::RequireValue() const {
 // The moment of a point in time, its minutes moved back by `utcOffset`.
 std::time_t TCIMDateTimeImpl::ToTime(int utcOffset) const {
   const std::time_t time = MakeTime(fYear, fMonth, fDay, fHour, fMinute - utcOffset, fSecond);
-  // A day beyond all calendars would overflow the microseconds that are computed from this.
-  constexpr std::time_t kFarthest = 4000000000000;
-  if (time == -1 || std::labs(time) > kFarthest) Fail(zelStatusInvalidDateTime);
+  if (time == -1) Fail(zelStatusInvalidDateTime);
   return time;
 }
 
+// Whole seconds, in microseconds. Days in their thousand millions would leave the range.
+long TCIMDateTimeImpl::LocalMicroSeconds() const {
+  constexpr std::time_t kFarthest = 4000000000000;
+  const std::time_t time = ToTime(0);
+  if (std::labs(time) > kFarthest) Fail(zelStatusInvalidDateTime);
+  return time * kMicro;
+}
+
 long TCIMDateTimeImpl::UTCMicroSeconds() const {
-  return (ToTime(0) - fUTCOffset * 60) * kMicro + fMicroSeconds;
+  return LocalMicroSeconds() - fUTCOffset * 60 * kMicro + fMicroSeconds;
 }
 
 // sic: in 32 bits, so that lengths beyond 49710 days wrap.
@@ -291,7 +297,7 @@ TCIMDateTime TCIMDateTimeImpl::operator+(const TCIMDateTimeImpl& other) const {
   if (fIsInterval) return other + *this;
   if (!other.fIsInterval) Fail(zelStatusInvalidDateTime);
   // The offset from UTC is carried along, not applied.
-  return PointInTime(ToTime(0) * kMicro + fMicroSeconds + other.TotalMicroSeconds(), fUTCOffset);
+  return PointInTime(LocalMicroSeconds() + fMicroSeconds + other.TotalMicroSeconds(), fUTCOffset);
 }
 
 TCIMDateTime TCIMDateTimeImpl::operator-(const TCIMDateTimeImpl& other) const {
@@ -307,6 +313,6 @@ TCIMDateTime TCIMDateTimeImpl::operator-(const TCIMDateTimeImpl& other) const {
   const TCIMDateTimeImpl& interval = fIsInterval ? *this : other;
   // sic: the interval is taken off in either order, but the microseconds always go from left to
   // right.
-  const long seconds = point.ToTime(0) - interval.TotalSeconds();
-  return PointInTime(seconds * kMicro + fMicroSeconds - other.fMicroSeconds, point.fUTCOffset);
+  const long seconds = point.LocalMicroSeconds() - interval.TotalSeconds() * kMicro;
+  return PointInTime(seconds + fMicroSeconds - other.fMicroSeconds, point.fUTCOffset);
 }

@@ -57,6 +57,7 @@ class ZEL_API TCIMDateTimeImpl {
  private:
   void RequireValue() const;
   std::time_t ToTime(int utcOffset) const;
+  long LocalMicroSeconds() const;
   long UTCMicroSeconds() const;
   unsigned int TotalSeconds() const;
   long TotalMicroSeconds() const;
