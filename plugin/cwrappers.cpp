@@ -286,14 +286,16 @@ zelStatusCode ReferenceAdd(const char* refusal, zelCIMReference* ref, const char
 // ---- Registration
 
 zelStatusCode zelRegisterPlugin(zelPluginCallbacks* callbacks, TCPluginCallbacks** pluginHandle) {
+  // sic: __null, as it shows in the message.
   assert(callbacks != __null);
   assert(pluginHandle != __null);
   return Guard([&] { *pluginHandle = new TCPluginCallbacks(callbacks); });
 }
 
 zelStatusCode zelGetHandle(TCPluginCallbacks* plugin, IPlugin** record) {
-  if (!plugin || !record)
+  if (!plugin || !record) {
     return RefuseNull("zelGetHandle: NULL pluginHandle and/or plugin parameter");
+  }
   *record = plugin->GetPluginHandle();
   return zelStatusOK;
 }
@@ -308,6 +310,7 @@ zelStatusCode zelGetPluginPath(TCPluginCallbacks* plugin, const char** path) {
   return zelStatusOK;
 }
 
+// Not guarded: the logger's exception for a severity without a name is the caller's to see.
 void zelWriteLog(TCPluginCallbacks* plugin, zelLogSeverity severity, const char* text) {
   if (!text) {
     Log(nullptr, severity, "zelWriteLog: NULL text parameter");
