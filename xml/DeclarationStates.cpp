@@ -1,0 +1,154 @@
+#include "xml/DeclarationStates.h"
+
+#include "xml/DocumentStates.h"
+#include "zelcore/TCIMQualifier.h"
+#include "zelcore/TContainer.h"
+
+namespace {
+
+using TCIMType = TCIMValue::TCIMType;
+
+struct TScopeRow {
+  std::string_view attribute;
+  TCIMQualifierDecl::EScope bit;
+};
+
+// The scopes method, parameter and indication have no bit.
+constexpr TScopeRow kScopes[] = {
+    {"class",       TCIMQualifierDecl::ScopeClass      },
+    {"association", TCIMQualifierDecl::ScopeAssociation},
+    {"property",    TCIMQualifierDecl::ScopeProperty   },
+    {"reference",   TCIMQualifierDecl::ScopeReference  },
+};
+
+}  // namespace
+
+void TCIMXMLParser::TStateQualifierDeclaration::HandleAttrs(TCIMXMLParser&,
+                                                            TAttributeMap& attributes) {
+  fName.clear();
+  fType = TCIMType::TypeNone;
+  fMaxArraySize = 0;
+  fValue.reset();
+  fFlavor = TCIMQualifierDecl::FlavorOverridable | TCIMQualifierDecl::FlavorToSubclass;
+  fScope = TCIMQualifierDecl::ScopeNone;
+  fIsArray.reset();
+  fHasArraySize = fHasScope = false;
+  for (const TAttribute& attribute : attributes) {
+    if (attribute.first == "isarray") fIsArray = ConvertBool(attribute.second);
+    if (HandleArraySize(attribute, fMaxArraySize)) fHasArraySize = true;
+    HandleCIMName(attribute, fName) || HandleCIMType(attribute, fType) ||
+        HandleQualifierFlavor(attribute, fFlavor);
+  }
+}
+
+void TCIMXMLParser::TStateQualifierDeclaration::StartElement(TCIMXMLParser& parser,
+                                                             std::string& name,
+                                                             TAttributeMap& attributes) {
+  const bool isScope = name == "scope";
+  if (!isScope && !fHasScope) parser.FatalError("Expected SCOPE element");
+  if (isScope && fHasScope) parser.FatalError("Unexpected element " + name);
+  fHasScope = true;
+  TTableState::StartElement(parser, name, attributes);
+}
+
+void TCIMXMLParser::TStateQualifierDeclaration::EndElement(TCIMXMLParser& parser,
+                                                           std::string& name) {
+  const bool isArray = fIsArray.value_or(fValue && fValue->IsArray());
+  if ((fValue && fValue->IsArray() != isArray) || (fHasArraySize && !isArray)) {
+    parser.FatalError("Incompatible attributes");
+  }
+  if (!fValue) fValue.emplace(isArray ? ArrayOf(fType) : fType, fMaxArraySize);
+  parser.fContainer.AllocateQualifierDecl(fName, *fValue, fScope, fFlavor)->AddToContainer();
+  TTableState::EndElement(parser, name);
+}
+
+void TCIMXMLParser::TStateScope::HandleAttrs(TCIMXMLParser&, TAttributeMap& attributes) {
+  for (const TAttribute& attribute : attributes) {
+    for (const TScopeRow& row : kScopes) {
+      if (attribute.first == row.attribute && ConvertBool(attribute.second)) {
+        fDeclaration.AddScope(row.bit);
+      }
+    }
+  }
+}
+
+void TCIMXMLParser::TStateQualifier::HandleAttrs(TCIMXMLParser& parser, TAttributeMap& attributes) {
+  std::string name;
+  TCIMType type = TCIMType::TypeNone;  // without effect: the declaration's holds
+  fPropagated = false;
+  for (const TAttribute& attribute : attributes) {
+    HandleCIMName(attribute, name) || HandleCIMType(attribute, type) ||
+        HandlePropagated(attribute, fPropagated);
+  }
+  fDecl = LookUp("qualifier", name, [&](const std::string& qualifier) {
+    return parser.fContainer.GetQualifierDecl(qualifier);
+  });
+  fType = fDecl->GetType();
+  fValue.reset();
+  fFlavor = fDecl->GetFlavor();
+  for (const TAttribute& attribute : attributes) HandleQualifierFlavor(attribute, fFlavor);
+}
+
+void TCIMXMLParser::TStateQualifier::EndElement(TCIMXMLParser& parser, std::string& name) {
+  // A VALUE where an array is declared, or the other way round, has no value of the declared type.
+  if (!fValue || fValue->GetType() != fType) fValue.emplace(fType, 0);
+  if (ICIMAllowQualifiers* const element = fTarget.GetQualified()) {
+    auto qualifier = std::make_unique<TCIMQualifier>(*fDecl, *fValue, fFlavor);
+    qualifier->SetPropagated(fPropagated);
+    element->AddQualifier(*qualifier);
+    const bool isTaken = element->GetQualifier(qualifier->GetName()) == qualifier.get();
+    if (isTaken) qualifier.release();
+  }
+  TTableState::EndElement(parser, name);
+}
+
+void TCIMXMLParser::TStateClass::HandleAttrs(TCIMXMLParser& parser, TAttributeMap& attributes) {
+  std::string name;
+  std::string superClassName;
+  TCIMClass* superClass = nullptr;
+  for (const TAttribute& attribute : attributes) {
+    HandleCIMName(attribute, name) || HandleSuperClass(attribute, superClassName);
+  }
+  if (!superClassName.empty()) superClass = parser.fContainer.GetClass(superClassName);
+  std::unique_ptr<TCIMClass> cls(parser.fContainer.AllocateClass(name, superClass));
+  fClass = cls.get();
+  fParent.Hold(std::move(cls));
+}
+
+void TCIMXMLParser::TStateMethod::EndElement(TCIMXMLParser& parser, std::string& name) {
+  if (fOpenElements == 0) {
+    TParseState::EndElement(parser, name);
+  } else {
+    --fOpenElements;
+  }
+}
+
+void TCIMXMLParser::TStatePropertyDecl::HandleAttrs(TCIMXMLParser&, TAttributeMap& attributes) {
+  fAttributes.Read(attributes);
+  const TCIMType type = fAttributes.type;
+  Declare(fIsArray ? TCIMValue(ArrayOf(type), fAttributes.arraySize) : TCIMValue(type, 0));
+}
+
+void TCIMXMLParser::TStatePropertyReferenceDecl::HandleAttrs(TCIMXMLParser& parser,
+                                                             TAttributeMap& attributes) {
+  fAttributes.Read(attributes);
+  TCIMValue value(TCIMType::TypeReference, 0);
+  if (!fAttributes.referenceClass.empty()) {
+    value.SetReferencedClass(*parser.fContainer.GetClass(fAttributes.referenceClass));
+  }
+  Declare(value);
+}
+
+void TCIMXMLParser::TStatePropertyDecl::Declare(const TCIMValue& value) {
+  fDecl = std::make_unique<TCIMPropertyDecl>(fAttributes.name, fClass.GetClass(), value);
+  fType = value.GetType();
+  fMaxArraySize = value.GetMaxArraySize();
+  fValue.reset();
+}
+
+void TCIMXMLParser::TStatePropertyDecl::EndElement(TCIMXMLParser& parser, std::string& name) {
+  if (fValue) fDecl->SetValue(*fValue);
+  fDecl->AddToContainer();
+  fDecl.release();
+  TTableState::EndElement(parser, name);
+}

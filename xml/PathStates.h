@@ -1,0 +1,163 @@
+#pragma once
+
+#include "xml/TParseState.h"
+
+class TCIMPropertyDecl;
+
+// Namespaces, which are read and dropped, and what stands in references: names of classes and of
+// instances.
+
+class TCIMXMLParser::TStateNamespacePath : public TTableState {
+ public:
+  explicit TStateNamespacePath(TCIMXMLParser&) : TTableState(kChildren) {}
+  static const TChildRule kChildren[];
+};
+
+class TCIMXMLParser::TStateLocalNamespacePath : public TTableState {
+ public:
+  explicit TStateLocalNamespacePath(TCIMXMLParser&) : TTableState(kChildren) {}
+  static const TChildRule kChildren[];
+  void StartElement(TCIMXMLParser& parser, std::string& name, TAttributeMap& attributes) override;
+  void EndElement(TCIMXMLParser& parser, std::string& name) override;
+  void HandleAttrs(TCIMXMLParser&, TAttributeMap&) override { fHasNamespace = false; }
+
+ private:
+  bool fHasNamespace = false;
+};
+
+class TCIMXMLParser::TStateHost : public TTableState {
+ public:
+  explicit TStateHost(TCIMXMLParser&) : TTableState(kNoChildren) {}
+};
+
+class TCIMXMLParser::TStateNamespace : public TTableState {
+ public:
+  explicit TStateNamespace(TCIMXMLParser&) : TTableState(kNoChildren) {}
+};
+
+// Hands the name inside it on.
+class TCIMXMLParser::TPathState : public TTableState, public IPathSlot {
+ public:
+  TPathState(TCIMXMLParser& parser, const TChildRule* children)
+      : TTableState(children), fParent(parser.CurrentAs<IPathSlot>()) {}
+  void TakeClassName(TCIMXMLParser& parser, const std::string& name) override {
+    fParent.TakeClassName(parser, name);
+  }
+  void TakeInstanceName(TCIMXMLParser& parser, TCIMReference&& name) override {
+    fParent.TakeInstanceName(parser, std::move(name));
+  }
+
+ private:
+  IPathSlot& fParent;
+};
+
+class TCIMXMLParser::TStateObjectPath : public TPathState {
+ public:
+  explicit TStateObjectPath(TCIMXMLParser& parser) : TPathState(parser, kChildren) {}
+  static const TChildRule kChildren[];
+};
+
+class TCIMXMLParser::TStateClassPath : public TPathState {
+ public:
+  explicit TStateClassPath(TCIMXMLParser& parser) : TPathState(parser, kChildren) {}
+  static const TChildRule kChildren[];
+};
+
+class TCIMXMLParser::TStateLocalClassPath : public TPathState {
+ public:
+  explicit TStateLocalClassPath(TCIMXMLParser& parser) : TPathState(parser, kChildren) {}
+  static const TChildRule kChildren[];
+};
+
+class TCIMXMLParser::TStateInstancePath : public TPathState {
+ public:
+  explicit TStateInstancePath(TCIMXMLParser& parser) : TPathState(parser, kChildren) {}
+  static const TChildRule kChildren[];
+};
+
+class TCIMXMLParser::TStateLocalInstancePath : public TPathState {
+ public:
+  explicit TStateLocalInstancePath(TCIMXMLParser& parser) : TPathState(parser, kChildren) {}
+  static const TChildRule kChildren[];
+};
+
+class TCIMXMLParser::TStateClassName : public TTableState {
+ public:
+  explicit TStateClassName(TCIMXMLParser& parser)
+      : TTableState(kNoChildren), fParent(parser.CurrentAs<IPathSlot>()) {}
+  void HandleAttrs(TCIMXMLParser& parser, TAttributeMap& attributes) override;
+
+ private:
+  IPathSlot& fParent;
+};
+
+class TCIMXMLParser::TStateInstanceName : public TTableState, public IKeySlot {
+ public:
+  explicit TStateInstanceName(TCIMXMLParser& parser)
+      : TTableState(kChildren), fParent(parser.CurrentAs<IPathSlot>()) {}
+  static const TChildRule kChildren[];
+  void HandleAttrs(TCIMXMLParser& parser, TAttributeMap& attributes) override;
+  void EndElement(TCIMXMLParser& parser, std::string& name) override;
+
+  // A key without a name is that of every key property.
+  void TakeKeyText(TCIMXMLParser& parser, const std::string& text) override;
+  void TakeReference(TCIMXMLParser& parser, TCIMReference&& reference) override;
+
+  const TCIMClass& GetClass() const { return *fClass; }
+  bool HasKey(const std::string& name) const;
+  void Bind(const std::string& name, TCIMValue&& value);
+
+ private:
+  IPathSlot& fParent;
+  std::string fClassName;  // as the document spells it
+  TCIMClass* fClass = nullptr;
+  std::optional<TCIMReference> fReference;
+  bool fHasKeys = false;
+};
+
+class TCIMXMLParser::TStateKeyBinding : public TTableState, public IKeySlot {
+ public:
+  explicit TStateKeyBinding(TCIMXMLParser& parser)
+      : TTableState(kChildren), fInstance(parser.CurrentAs<TStateInstanceName>()) {}
+  static const TChildRule kChildren[];
+  void HandleAttrs(TCIMXMLParser& parser, TAttributeMap& attributes) override;
+  void EndElement(TCIMXMLParser& parser, std::string& name) override;
+  void TakeKeyText(TCIMXMLParser& parser, const std::string& text) override;
+  void TakeReference(TCIMXMLParser& parser, TCIMReference&& reference) override;
+
+ private:
+  TStateInstanceName& fInstance;
+  std::string fName;
+  const TCIMPropertyDecl* fDecl = nullptr;  // null: the class has no such property
+  std::optional<TCIMValue> fValue;
+};
+
+class TCIMXMLParser::TStateKeyValue : public TTableState {
+ public:
+  explicit TStateKeyValue(TCIMXMLParser& parser)
+      : TTableState(kNoChildren), fParent(parser.CurrentAs<IKeySlot>()) {
+    fTakesText = true;
+  }
+  void EndElement(TCIMXMLParser& parser, std::string& name) override;
+
+ private:
+  IKeySlot& fParent;
+};
+
+class TCIMXMLParser::TStateValueReference : public TTableState, public IPathSlot {
+ public:
+  explicit TStateValueReference(TCIMXMLParser& parser)
+      : TTableState(kChildren), fParent(parser.CurrentAs<IReferenceSlot>()) {}
+  static const TChildRule kChildren[];
+  void TakeClassName(TCIMXMLParser& parser, const std::string& name) override;
+  void TakeInstanceName(TCIMXMLParser& parser, TCIMReference&& name) override;
+
+ private:
+  IReferenceSlot& fParent;
+};
+
+class TCIMXMLParser::TStateValueRefArray : public TTableState {
+ public:
+  explicit TStateValueRefArray(TCIMXMLParser&) : TTableState(kChildren) {}
+  static const TChildRule kChildren[];
+};
