@@ -125,15 +125,16 @@ TCIMDateTimeImpl::TCIMDateTimeImpl(const TCIMDateTimeImpl& other)
       fUTCOffset(other.fUTCOffset),
       fIsInterval(other.fIsInterval) {}
 
-// The year alone answers for all but old moments. mktime() refuses fields only by its -1, which is
-// also its answer for the second before the epoch. From 1971 on no fields reach back that far:
-// a month 0 and a day 0 take away less than five weeks, offset and time zone less than four. Days
-// that are negative as an int could.
+// mktime() refuses fields only by its -1, which is also its answer for the second before the epoch.
+// It is slow, and asked only where that second can be: fields of two digits reach forward less than
+// nine years (99 months, 99 days, 99 hours ...), back less than two months (a month 0 and a day 0),
+// and offset and time zone together less than four weeks either way.
 bool TCIMDateTimeImpl::IsValid(unsigned short year, unsigned short month, unsigned int day,
                                unsigned short hour, unsigned short minute, unsigned short second,
                                unsigned int, short utcOffset) {
-  constexpr unsigned int kAnyDayOfText = 99;
-  if (year > 1970 && day <= kAnyDayOfText) return true;
+  const bool isFar = year < 1960 || year > 1970;
+  const bool isShort = month < 100 && day < 100 && hour < 100 && minute < 100 && second < 100;
+  if (isFar && isShort) return true;
   return MakeTime(year, month, day, hour, minute - utcOffset, second) != -1;
 }
 
