@@ -6,8 +6,6 @@
 
 using zelcore::detail::Fail;
 
-TCIMValueImpl::~TCIMValueImpl() = default;
-
 TCIMValueImpl::operator bool() const { Fail(zelStatusTypeMismatch); }
 TCIMValueImpl::operator unsigned char() const { Fail(zelStatusTypeMismatch); }
 TCIMValueImpl::operator signed char() const { Fail(zelStatusTypeMismatch); }

@@ -12,7 +12,7 @@ class ZEL_API TCIMValueImpl {
  public:
   using TCIMType = TCIMValue::TCIMType;
 
-  virtual ~TCIMValueImpl();
+  virtual ~TCIMValueImpl() = default;
 
   // GCC takes a conversion for hidden by one to another type, which it is not.
 #pragma GCC diagnostic push
