@@ -18,7 +18,6 @@ class TSingleKeys {
     termios single = fSaved;
     single.c_lflag &= ~static_cast<tcflag_t>(ICANON);
     single.c_cc[VMIN] = 1;
-    single.c_cc[VTIME] = 0;
     Apply(single);
   }
   ~TSingleKeys() {
