@@ -222,7 +222,7 @@ TEST(ParsingNumbers, AcceptsBooleansAsLowerCaseWords) {
   }
 }
 
-TEST(ParsingNumbers, ReadsReals) {
+TEST(ParsingNumbers, ReadsRealsInDecimalAlone) {
   const struct {
     const char* text;
     float real32;
@@ -235,7 +235,7 @@ TEST(ParsingNumbers, ReadsReals) {
       {".5",     0.5f,                               0.5                                },
       {"5.",     5.0f,                               5.0                                },
       {" 3.25x", 3.25f,                              3.25                               },
-      {"010",    10.0f,                              10.0                               }, // not octal
+      {"010",    10.0f,                              10.0                               },
       {"0.1",    0.1f,                               0.1                                },
       {"1,5",    1.0f,                               1.0                                },
       {"0x10",   0.0f,                               0.0                                },
@@ -368,6 +368,15 @@ TEST(TCIMNumericValueImpl, ConvertsToItsOwnTypeAlone) {
   TCIMNumericValueImpl changeable(7u);
   EXPECT_EQ("zelStatusTypeMismatch",
             StatusOf([&] { changeable.operator std::vector<TCIMValue>&(); }));
+}
+
+TEST(TCIMNumericValueImpl, IsNeitherEqualNorLessForAnotherType) {
+  const TCIMNumericValueImpl one(1);
+  EXPECT_TRUE(one == TCIMValue(1));
+  EXPECT_TRUE(one < TCIMValue(2));
+  EXPECT_FALSE(one == TCIMValue(1u));
+  EXPECT_FALSE(one < TCIMValue(2u));
+  EXPECT_FALSE(one == TCIMValue("1"));
 }
 
 TEST(VisitNumeric, RefusesWhatIsNoNumber) {

@@ -276,8 +276,10 @@ TEST_F(CopyingValues, SurvivesCopiesOfItself) {
   EXPECT_EQ("nan", number.ToString(10));
 
   TCIMValue array(TCIMType::TypeReal64, 0, {kNaN, 1.5});
+  const TCIMValue* const elements = array.operator TValues&().data();
   array = *&array;
   EXPECT_EQ("{ nan, 1.5 }", array.ToString(10));
+  EXPECT_EQ(elements, array.operator TValues&().data());
   array.Set(TCIMType::TypeReal64, 3, array.operator TValues&());
   EXPECT_EQ("{ nan, 1.5 }", array.ToString(10));
   array.Set(TCIMType::TypeReal64, 4, std::move(array.operator TValues&()));

@@ -6,6 +6,7 @@
 #include <memory>
 #include <utility>
 
+#include "cim/TCIMArrayValueImpl.h"
 #include "cim/TCIMObjectValueImpl.h"
 #include "tests/support/LogSpy.h"
 #include "tests/support/Status.h"
@@ -319,7 +320,7 @@ TEST_F(TCIMValueTest, ReportsElementsWhoseTypeHasNoText) {
             LastLogLine());
 }
 
-TEST_F(TCIMValueTest, VariantsOfObjectsConvertToTheirOwnTypeAlone) {
+TEST_F(TCIMValueTest, VariantsConvertToAndCompareWithTheirOwnTypeAlone) {
   TCIMStringValueImpl text(std::in_place, "text");
   EXPECT_EQ("text", text.operator std::string());
   EXPECT_EQ("zelStatusTypeMismatch", StatusOf([&] { text.operator bool(); }));
@@ -339,6 +340,11 @@ TEST_F(TCIMValueTest, VariantsOfObjectsConvertToTheirOwnTypeAlone) {
   EXPECT_FALSE(text == TCIMValue(1));
   EXPECT_FALSE(text < TCIMValue(kMarch));
   EXPECT_EQ("zelStatusValueIsNULL", StatusOf([&] { (void)(text == Null(13)); }));
+  const TCIMArrayValueImpl array({TCIMValue(1)});
+  EXPECT_TRUE(array == TCIMValue(TCIMType::TypeSint32, 0, {1}));
+  EXPECT_FALSE(array == TCIMValue(1));
+  EXPECT_EQ("zelStatusNotImplemented", StatusOf([&] { (void)(array < TCIMValue(1)); }));
+  EXPECT_EQ("zelStatusTypeMismatch", StatusOf([&] { array.operator int(); }));
   TCIMDateTimeValueImpl moment(std::in_place, kMarch);
   EXPECT_EQ("zelStatusTypeMismatch", StatusOf([&] { moment.operator std::string(); }));
 }
