@@ -189,6 +189,13 @@ void TCIMValue::Set(const TCIMValue& other) {
   Replace(type, copy);
 }
 
+void TCIMValue::Swap(TCIMValue& other) noexcept {
+  std::swap(fType, other.fType);
+  std::swap(fMaxArraySize, other.fMaxArraySize);
+  std::swap(fImpl, other.fImpl);
+  std::swap(fReferencedClass, other.fReferencedClass);
+}
+
 void TCIMValue::SetNullValue(TCIMType::ECIMType type, unsigned int maxArraySize) {
   Replace(type, nullptr);
   if (IsArray()) fMaxArraySize = maxArraySize;

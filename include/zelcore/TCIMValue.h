@@ -130,6 +130,9 @@ class ZEL_API TCIMValue {
   // TypeNone or TypeChar; this value is NULL of that type afterwards.
   void Set(const TCIMValue& other);
 
+  // Exchanges everything; nothing is checked or copied.
+  void Swap(TCIMValue& other) noexcept;
+
   // NULL of `type`. `maxArraySize` is taken for array types only.
   void SetNullValue(TCIMType::ECIMType type, unsigned int maxArraySize);
 

@@ -1,0 +1,3 @@
+#include "zelcore/ICIMAllowQualifiers.h"
+
+ICIMAllowQualifiers::~ICIMAllowQualifiers() = default;

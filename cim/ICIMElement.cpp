@@ -1,0 +1,3 @@
+#include "zelcore/ICIMElement.h"
+
+ICIMElement::~ICIMElement() = default;

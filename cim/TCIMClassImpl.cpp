@@ -1,0 +1,253 @@
+#include "cim/TCIMClassImpl.h"
+
+#include <algorithm>
+#include <boost/make_shared.hpp>
+#include <cassert>
+
+#include "cim/OrNotFound.h"
+#include "cim/TCIMInstanceImpl.h"
+#include "cim/TCIMPropertyDeclImpl.h"
+#include "cim/TContainerImpl.h"
+#include "zelcore/TCIMClass.h"
+#include "zelcore/TCIMReference.h"
+#include "zelcore/TContainer.h"
+#include "zelcore/detail/Fail.h"
+
+using zelcore::detail::CheckName;
+using zelcore::detail::Fail;
+using zelcore::detail::OrNotFound;
+using zelcore::detail::Text;
+
+namespace {
+
+TCIMClassImpl& Body(const TCIMClass& cls) { return *cls.GetBody(); }
+
+// All subclasses below a class, each before its own, without recursion.
+class TSubclassWalk {
+ public:
+  explicit TSubclassWalk(const std::vector<TCIMClass*>& top) { Push(top); }
+
+  // Null at the end.
+  TCIMClass* Next() {
+    if (fPending.empty()) return nullptr;
+    TCIMClass* cls = fPending.back();
+    fPending.pop_back();
+    Push(cls->EnumerateSubClasses(false));
+    return cls;
+  }
+
+ private:
+  void Push(const std::vector<TCIMClass*>& classes) {
+    fPending.insert(fPending.end(), classes.rbegin(), classes.rend());
+  }
+
+  std::vector<TCIMClass*> fPending;  // the next one last
+};
+
+}  // namespace
+
+TCIMClassImpl::TCIMClassImpl(TCIMClass* owner, TContainer* container, const std::string& name,
+                             TCIMClass* superClass)
+    : fOwner(owner),
+      fContainer(container),
+      fName(name),
+      // Still null while the root class itself is being made.
+      fSuperClass(superClass ? superClass : container->GetRootClass()),
+      fAdded(false) {
+  if (!superClass) {
+    fDecls = boost::make_shared<TPropertyDecls>();
+    return;
+  }
+  fDecls = Body(*superClass).fDecls;
+  fQualifiers.InheritFrom(Body(*superClass).fQualifiers);
+}
+
+TCIMClassImpl::~TCIMClassImpl() {
+  if (fAdded) LeaveOtherClasses();
+}
+
+void TCIMClassImpl::Unlink() {
+  fSubClasses.clear();
+  fAssociationClasses.clear();
+  fAssociated.clear();
+  fAdded = false;
+}
+
+// What pointed at this class points at its superclass afterwards.
+void TCIMClassImpl::LeaveOtherClasses() {
+  TCIMClassImpl& superClass = Body(*fSuperClass);
+  superClass.RemoveChildClass(*fOwner);
+  for (TCIMClass* child : fSubClasses) {
+    Body(*child).fSuperClass = fSuperClass;
+    superClass.AddChildClass(*child);
+  }
+  for (TCIMClass* associated : fAssociated) Body(*associated).fAssociationClasses.erase(fOwner);
+  for (TCIMClass* association : fAssociationClasses) {
+    std::vector<TCIMClass*>& remembered = Body(*association).fAssociated;
+    remembered.erase(std::remove(remembered.begin(), remembered.end(), fOwner), remembered.end());
+  }
+}
+
+void TCIMClassImpl::Validate() const {
+  if (IsAbstract()) return;
+  const bool hasKey = std::any_of(fDecls->begin(), fDecls->end(), [](const auto& entry) {
+    return entry.second->GetBody()->IsKey();
+  });
+  if (!hasKey) Fail(zelStatusInvalidClass, Text("Class ", fName, " has no keys"));
+}
+
+void TCIMClassImpl::AddToContainer(TCIMClass& handle) {
+  handle.Validate();
+  fContainer->AddClass(handle);
+  fOwner = &handle;
+  Body(*fSuperClass).AddChildClass(handle);
+  fAdded = true;
+  if (IsAssociation()) LinkAssociatedClasses();
+}
+
+// Records the association on the most general ones of the classes that it refers to.
+void TCIMClassImpl::LinkAssociatedClasses() {
+  std::vector<TCIMClass*> general;
+  for (const auto& [key, decl] : *fDecls) {
+    const TCIMValue& value = decl->GetBody()->Value();
+    TCIMClass* cls = value.IsReference() ? value.GetReferencedClass() : nullptr;
+    const auto covers = [cls](const TCIMClass* other) { return cls->IsSubclassOf(other); };
+    if (!cls || std::any_of(general.begin(), general.end(), covers)) continue;
+    const auto isCovered = [cls](const TCIMClass* other) { return other->IsSubclassOf(cls); };
+    general.erase(std::remove_if(general.begin(), general.end(), isCovered), general.end());
+    general.push_back(cls);
+  }
+  for (TCIMClass* cls : general) Body(*cls).AddAssociationClass(*fOwner);
+  fAssociated = general;
+}
+
+bool TCIMClassImpl::IsSubclassOf(const TCIMClass* other) const {
+  if (!other) return false;
+  const TCIMClassImpl* cls = this;
+  while (!cls->IsRootClass() && cls->fName != other->GetName()) cls = &Body(*cls->fSuperClass);
+  return cls->fName == other->GetName();
+}
+
+std::vector<TCIMClass*> TCIMClassImpl::EnumerateSubClasses(bool deep) const {
+  if (!deep) return fSubClasses;
+  std::vector<TCIMClass*> classes;
+  TSubclassWalk walk(fSubClasses);
+  while (TCIMClass* cls = walk.Next()) classes.push_back(cls);
+  return classes;
+}
+
+void TCIMClassImpl::AddPropertyDecl(TCIMPropertyDecl& decl) {
+  const std::string& name = decl.GetName();
+  if (decl.GetType() == TCIMValue::TCIMType::TypeReference && !IsAssociation()) {
+    Fail(zelStatusNotAssociation,
+         Text("Attempt to add reference property ", name, " to non-association class ", fName));
+  }
+  const std::string key = TContainerImpl::NormalizeName(name);
+  const TCIMPropertyDecl* existing = FindPropertyDecl(name);
+  if (decl.FindQualifier("OVERRIDE")) {
+    CheckOverride(decl, existing);
+  } else if (existing) {
+    Fail(zelStatusAlreadyExists,
+         Text("Attempt to add property ", name, " to class ", fName, ": already exists"));
+  }
+  OwnDecls()[key].reset(&decl);
+}
+
+void TCIMClassImpl::CheckOverride(const TCIMPropertyDecl& decl,
+                                  const TCIMPropertyDecl* existing) const {
+  const auto refuse = [&](zelStatusCode code, const char* why) {
+    Fail(code,
+         Text("Attempt to override property ", decl.GetName(), " in class ", fName, ": ", why));
+  };
+  if (!existing) refuse(zelStatusNotFound, "property doesn't exist in base class");
+  if (existing->GetType() != decl.GetType()) refuse(zelStatusTypeMismatch, "different types");
+  if (*existing->GetClass() == *fOwner) {
+    refuse(zelStatusAlreadyExists, "original was defined in this class");
+  }
+}
+
+// The declarations, to be changed: not shared, and the layout forgotten.
+TPropertyDecls& TCIMClassImpl::OwnDecls() {
+  if (fDecls.use_count() > 1) fDecls = boost::make_shared<TPropertyDecls>(*fDecls);
+  fLayout.reset();
+  return *fDecls;
+}
+
+TCIMPropertyDecl* TCIMClassImpl::GetPropertyDecl(const std::string& name) const {
+  return OrNotFound(FindPropertyDecl(name));
+}
+
+TCIMPropertyDecl* TCIMClassImpl::FindPropertyDecl(const std::string& name) const {
+  CheckName(name);
+  const auto found = fDecls->find(name);
+  return found == fDecls->end() ? nullptr : found->second.get();
+}
+
+std::vector<TCIMPropertyDecl const*> TCIMClassImpl::EnumeratePropertyDecls() const {
+  std::vector<TCIMPropertyDecl const*> decls;
+  decls.reserve(fDecls->size());
+  for (const auto& [key, decl] : *fDecls) decls.push_back(decl.get());
+  return decls;
+}
+
+void TCIMClassImpl::RemovePropertyDecl(TCIMPropertyDecl& decl) {
+  const std::string key = TContainerImpl::NormalizeName(decl.GetName());
+  if (fDecls->count(key) == 0) Fail(zelStatusNotFound);
+  OwnDecls().erase(key);
+}
+
+std::vector<std::string> TCIMClassImpl::EnumerateKeyNames() const {
+  std::vector<std::string> names;
+  for (const std::size_t slot : Layout()->KeySlots()) {
+    names.push_back(Layout()->Decl(slot).GetName());
+  }
+  return names;
+}
+
+const boost::shared_ptr<const TPropertyLayout>& TCIMClassImpl::Layout() const {
+  if (!fLayout || !fLayout->IsCurrent()) {
+    fLayout = boost::make_shared<const TPropertyLayout>(*fDecls);
+  }
+  return fLayout;
+}
+
+void TCIMClassImpl::AddInstance(TCIMInstance& instance) {
+  TCIMInstanceImpl& body = *instance.GetBody();
+  if (body.IsAdded()) return;
+  std::string path = body.BuildPathText();
+  fInstances.Add(std::move(path), boost::shared_ptr<TCIMInstance>(&instance));
+  body.SetAdded();
+}
+
+void TCIMClassImpl::RemoveInstance(TCIMInstance& instance) {
+  fInstances.Remove(instance.GetBody()->BuildPathText());
+}
+
+TCIMInstance* TCIMClassImpl::GetInstance(const TCIMReference& path) const {
+  return OrNotFound(FindInstance(path));
+}
+
+TCIMInstance* TCIMClassImpl::FindInstance(const TCIMReference& path) const {
+  return fInstances.Find(path.GetPath());
+}
+
+std::vector<TCIMInstance*> TCIMClassImpl::EnumerateInstances(bool deep) const {
+  std::vector<TCIMInstance*> instances;
+  fInstances.AppendTo(instances);
+  if (deep) {
+    TSubclassWalk walk(fSubClasses);
+    while (const TCIMClass* cls = walk.Next()) Body(*cls).fInstances.AppendTo(instances);
+  }
+  return instances;
+}
+
+void TCIMClassImpl::AddChildClass(TCIMClass& child) { fSubClasses.push_back(&child); }
+
+void TCIMClassImpl::RemoveChildClass(TCIMClass& child) {
+  const auto found = std::find(fSubClasses.begin(), fSubClasses.end(), &child);
+  if (found != fSubClasses.end()) fSubClasses.erase(found);
+}
+
+void TCIMClassImpl::AddAssociationClass(TCIMClass& association) {
+  fAssociationClasses.insert(&association);
+}

@@ -1,0 +1,81 @@
+#pragma once
+
+#include <boost/shared_ptr.hpp>
+#include <set>
+#include <string>
+#include <vector>
+
+#include "cim/TCIMElementImpl.h"
+#include "cim/TInstanceRegistry.h"
+#include "cim/TPropertyLayout.h"
+#include "cim/TQualifierSet.h"
+#include "zelcore/detail/Export.h"
+
+class TCIMClass;
+class TCIMReference;
+
+class ZEL_API TCIMClassImpl : public TCIMElementImpl {
+ public:
+  TCIMClassImpl(TCIMClass* owner, TContainer* container, const std::string& name,
+                TCIMClass* superClass);
+  ~TCIMClassImpl() override;
+  TCIMClassImpl(const TCIMClassImpl&) = delete;
+  TCIMClassImpl& operator=(const TCIMClassImpl&) = delete;
+
+  void Validate() const override;
+  TContainer* GetContainer() const override { return fContainer; }
+
+  // Registers the class and links it to its superclass and to the classes that it associates;
+  // `handle` is taken over.
+  void AddToContainer(TCIMClass& handle);
+  // Cuts all links to other classes, which may go in any order afterwards.
+  void Unlink();
+
+  const std::string& GetName() const { return fName; }
+  TCIMClass* GetSuperClass() const { return fSuperClass; }
+  bool IsRootClass() const { return fSuperClass == nullptr; }
+  bool IsAssociation() const { return fQualifiers.IsTrue("ASSOCIATION"); }
+  bool IsAbstract() const { return fQualifiers.IsTrue("ABSTRACT"); }
+  bool IsSubclassOf(const TCIMClass* other) const;
+  std::vector<TCIMClass*> EnumerateSubClasses(bool deep) const;
+
+  TQualifierSet& Qualifiers() { return fQualifiers; }
+
+  void AddPropertyDecl(TCIMPropertyDecl& decl);
+  TCIMPropertyDecl* GetPropertyDecl(const std::string& name) const;
+  TCIMPropertyDecl* FindPropertyDecl(const std::string& name) const;
+  std::vector<TCIMPropertyDecl const*> EnumeratePropertyDecls() const;
+  void RemovePropertyDecl(TCIMPropertyDecl& decl);
+  std::vector<std::string> EnumerateKeyNames() const;
+  // As the declarations are now.
+  const boost::shared_ptr<const TPropertyLayout>& Layout() const;
+
+  void AddInstance(TCIMInstance& instance);
+  void RemoveInstance(TCIMInstance& instance);
+  TCIMInstance* GetInstance(const TCIMReference& path) const;
+  TCIMInstance* FindInstance(const TCIMReference& path) const;
+  std::vector<TCIMInstance*> EnumerateInstances(bool deep) const;
+
+  void AddChildClass(TCIMClass& child);
+  void RemoveChildClass(TCIMClass& child);
+  void AddAssociationClass(TCIMClass& association);
+
+ private:
+  void CheckOverride(const TCIMPropertyDecl& decl, const TCIMPropertyDecl* existing) const;
+  TPropertyDecls& OwnDecls();
+  void LinkAssociatedClasses();
+  void LeaveOtherClasses();
+
+  TCIMClass* fOwner;  // the handle that made this, or that was registered
+  TContainer* fContainer;
+  std::string fName;
+  TCIMClass* fSuperClass;  // null for the root class only
+  TQualifierSet fQualifiers;
+  boost::shared_ptr<TPropertyDecls> fDecls;  // shared with the superclass until one of them changes
+  std::vector<TCIMClass*> fSubClasses;       // in the order in which they were added
+  std::set<TCIMClass*> fAssociationClasses;  // those that refer to this class
+  std::vector<TCIMClass*> fAssociated;       // the classes whose set this association is in
+  TInstanceRegistry fInstances;
+  bool fAdded;
+  mutable boost::shared_ptr<const TPropertyLayout> fLayout;  // null: to be worked out
+};

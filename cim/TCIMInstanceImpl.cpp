@@ -1,0 +1,130 @@
+#include "cim/TCIMInstanceImpl.h"
+
+#include <algorithm>
+#include <new>
+
+#include "cim/OrNotFound.h"
+#include "cim/TCIMClassImpl.h"
+#include "cim/TCIMPropertyImpl.h"
+#include "zelcore/TCIMClass.h"
+#include "zelcore/TCIMDateTime.h"
+#include "zelcore/TContainer.h"
+#include "zelcore/TOSSpecific.h"
+#include "zelcore/detail/Fail.h"
+
+using zelcore::detail::CheckName;
+using zelcore::detail::Fail;
+using zelcore::detail::OrNotFound;
+using zelcore::detail::Text;
+
+static_assert(sizeof(TCIMProperty) % alignof(TCIMPropertyImpl) == 0);
+
+TCIMInstanceImpl::TPropertyBlock::TPropertyBlock(const TPropertyLayout& layout)
+    : fSize(layout.Size()) {
+  constexpr std::size_t kEach = sizeof(TCIMProperty) + sizeof(TCIMPropertyImpl);
+  fProperties = static_cast<TCIMProperty*>(::operator new(fSize* kEach));
+  auto* bodies = reinterpret_cast<TCIMPropertyImpl*>(fProperties + fSize);
+  for (std::size_t slot = 0; slot < fSize; ++slot) {
+    TCIMProperty* property = fProperties + slot;
+    new (property)
+        TCIMProperty(new (bodies + slot) TCIMPropertyImpl(property, &layout.Decl(slot), true));
+  }
+}
+
+TCIMInstanceImpl::TPropertyBlock::~TPropertyBlock() {
+  std::destroy_n(fProperties, fSize);
+  ::operator delete(fProperties);
+}
+
+TCIMInstanceImpl::TCIMInstanceImpl(TCIMInstance* owner, TCIMClass* cls)
+    : fOwner(owner),
+      fClass(cls),
+      fLayout(cls->GetBody()->Layout()),
+      fProperties(*fLayout),
+      fAdded(false) {
+  const std::size_t stamp = fLayout->StampSlot();
+  if (stamp != TPropertyLayout::kNoSlot) {
+    fProperties[stamp].SetValue(TCIMValue(TOSSpecific::GetLocalTime()));
+  }
+}
+
+TCIMInstanceImpl::~TCIMInstanceImpl() = default;
+
+TContainer* TCIMInstanceImpl::GetContainer() const { return fClass->GetContainer(); }
+
+void TCIMInstanceImpl::Validate() const {
+  if (GetContainer()->isDiffContainer()) return;
+  const boost::shared_ptr<const TPropertyLayout> current = fClass->GetBody()->Layout();
+  for (const std::size_t slot : current->KeySlots()) {
+    const std::string& name = current->Decl(slot).GetName();
+    const TCIMProperty* property = current == fLayout ? &fProperties[slot] : GetProperty(name);
+    if (property->GetBody()->Value().IsNull()) {
+      Fail(zelStatusInvalidInstance, Text("Instance ", fClass->GetName(), ": key property ",
+                                          property->GetName(), " is NULL"));
+    }
+  }
+}
+
+TCIMProperty* TCIMInstanceImpl::GetProperty(const std::string& name) const {
+  return OrNotFound(FindProperty(name));
+}
+
+TCIMProperty* TCIMInstanceImpl::FindProperty(const std::string& name) const {
+  const std::size_t slot = fLayout->Find(name);
+  if (slot != TPropertyLayout::kNoSlot) return &fProperties[slot];
+  CheckName(name);
+  return nullptr;
+}
+
+std::vector<TCIMProperty const*> TCIMInstanceImpl::EnumerateProperties() const {
+  std::vector<TCIMProperty const*> properties;
+  properties.reserve(fLayout->Size());
+  for (std::size_t slot = 0; slot < fLayout->Size(); ++slot) {
+    properties.push_back(&fProperties[slot]);
+  }
+  return properties;
+}
+
+TCIMReference TCIMInstanceImpl::BuildPath() const {
+  TCIMReference path(nullptr);
+  path.SetClass(*fClass);
+  for (const std::string& name : fClass->EnumerateKeyNames()) {
+    path.AddKeyValue(name, GetProperty(name)->GetValue());
+  }
+  return path;
+}
+
+std::string TCIMInstanceImpl::BuildPathText() const {
+  const boost::shared_ptr<const TPropertyLayout> current = fClass->GetBody()->Layout();
+  if (!HasPlainPath(*current)) return BuildPath().GetPath();
+  std::string text = fClass->GetName();
+  char separator = '.';
+  for (const std::size_t slot : current->PathSlots()) {
+    text += separator;
+    text += current->Decl(slot).GetName();
+    text += "=\"";
+    text += fProperties[slot].GetBody()->Value().ToString(10);
+    text += '"';
+    separator = ',';
+  }
+  text.shrink_to_fit();
+  return text;
+}
+
+// Whether the class is as it was and every key has a value of its type, so that nothing can be
+// wrong with the path.
+bool TCIMInstanceImpl::HasPlainPath(const TPropertyLayout& current) const {
+  const std::vector<std::size_t>& keys = current.KeySlots();
+  return &current == fLayout.get() && std::all_of(keys.begin(), keys.end(), [&](std::size_t slot) {
+    const TCIMValue& value = fProperties[slot].GetBody()->Value();
+    return !value.IsNull() && value.GetType() == current.Decl(slot).GetType();
+  });
+}
+
+bool TCIMInstanceImpl::operator==(const TCIMInstanceImpl& other) const {
+  if (fClass != other.fClass || fLayout->Size() != other.fLayout->Size()) return false;
+  for (std::size_t slot = 0; slot < fLayout->Size(); ++slot) {
+    if (!(fProperties[slot] == other.fProperties[slot])) return false;
+  }
+  return true;
+}

@@ -1,0 +1,66 @@
+#pragma once
+
+#include <boost/shared_ptr.hpp>
+#include <cstddef>
+#include <string>
+#include <vector>
+
+#include "cim/TCIMElementImpl.h"
+#include "cim/TPropertyLayout.h"
+#include "zelcore/TCIMProperty.h"
+#include "zelcore/TCIMReference.h"
+#include "zelcore/detail/Export.h"
+
+class TCIMClass;
+class TCIMInstance;
+
+class ZEL_API TCIMInstanceImpl : public TCIMElementImpl {
+ public:
+  TCIMInstanceImpl(TCIMInstance* owner, TCIMClass* cls);
+  ~TCIMInstanceImpl() override;
+  TCIMInstanceImpl(const TCIMInstanceImpl&) = delete;
+  TCIMInstanceImpl& operator=(const TCIMInstanceImpl&) = delete;
+
+  void Validate() const override;
+  TContainer* GetContainer() const override;
+  TCIMClass* GetClass() const { return fClass; }
+
+  // Whether a class has taken the instance.
+  bool IsAdded() const { return fAdded; }
+  void SetAdded() { fAdded = true; }
+
+  TCIMProperty* GetProperty(const std::string& name) const;
+  TCIMProperty* FindProperty(const std::string& name) const;
+  std::vector<TCIMProperty const*> EnumerateProperties() const;
+
+  TCIMReference BuildPath() const;
+  // BuildPath().GetPath(), without making the path in between.
+  std::string BuildPathText() const;
+
+  bool operator==(const TCIMInstanceImpl& other) const;
+  bool operator<(const TCIMInstanceImpl& other) const { return fClass < other.fClass; }
+
+ private:
+  // One allocation: the properties in the order of the layout's slots, and their bodies behind.
+  class TPropertyBlock {
+   public:
+    explicit TPropertyBlock(const TPropertyLayout& layout);
+    ~TPropertyBlock();
+    TPropertyBlock(const TPropertyBlock&) = delete;
+    TPropertyBlock& operator=(const TPropertyBlock&) = delete;
+
+    TCIMProperty& operator[](std::size_t slot) const { return fProperties[slot]; }
+
+   private:
+    TCIMProperty* fProperties;
+    std::size_t fSize;
+  };
+
+  bool HasPlainPath(const TPropertyLayout& current) const;
+
+  TCIMInstance* fOwner;  // the handle that made this
+  TCIMClass* fClass;
+  boost::shared_ptr<const TPropertyLayout> fLayout;
+  TPropertyBlock fProperties;
+  bool fAdded;
+};

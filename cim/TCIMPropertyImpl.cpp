@@ -1,0 +1,97 @@
+#include "cim/TCIMPropertyImpl.h"
+
+#include <utility>
+
+#include "cim/TCIMPropertyDeclImpl.h"
+#include "cim/TypeText.h"
+#include "zelcore/TCIMClass.h"
+#include "zelcore/detail/Fail.h"
+
+using zelcore::detail::Fail;
+using zelcore::detail::Text;
+using zelcore::detail::TypeText;
+
+namespace {
+
+// The default value of a declaration, to be read without a copy.
+const TCIMValue& DefaultOf(const TCIMPropertyDecl& declaration) {
+  return declaration.GetBody()->Value();
+}
+
+std::string NameOf(const TCIMClass* cls) { return cls ? cls->GetName() : ""; }
+
+}  // namespace
+
+TCIMPropertyImpl::TCIMPropertyImpl(TCIMProperty* owner, const TCIMPropertyDecl* declaration,
+                                   bool inBlock)
+    : fOwner(owner), fDeclaration(declaration), fInBlock(inBlock) {}
+
+TCIMPropertyImpl::TCIMPropertyImpl(TCIMProperty* owner, const TCIMPropertyImpl& other)
+    : TCIMPropertyImpl(owner, other.fDeclaration) {
+  if (other.fHasValue) SetValue(other.fValue);
+  if (other.fPrevDiffers && other.fPrevValue) SetPrevValue(*other.fPrevValue);
+}
+
+void TCIMPropertyImpl::Release(TCIMPropertyImpl* body) {
+  if (body->fInBlock) {
+    body->~TCIMPropertyImpl();
+  } else {
+    delete body;
+  }
+}
+
+void TCIMPropertyImpl::Take(TCIMPropertyImpl&& other) {
+  fDeclaration = other.fDeclaration;
+  fValue.Swap(other.fValue);
+  fPrevValue = std::move(other.fPrevValue);
+  fHasValue = other.fHasValue;
+  fPrevDiffers = other.fPrevDiffers;
+}
+
+const TCIMValue& TCIMPropertyImpl::Value() const {
+  return fHasValue ? fValue : DefaultOf(*fDeclaration);
+}
+
+void TCIMPropertyImpl::SetValue(const TCIMValue& value) {
+  Check("SetValue", value);
+  SetValue(TCIMValue(value));
+}
+
+void TCIMPropertyImpl::SetValue(TCIMValue&& value) {
+  Check("SetValue", value);
+  TCIMValue taken(std::move(value));
+  fValue.Swap(taken);
+  fHasValue = true;
+}
+
+const TCIMValue& TCIMPropertyImpl::PrevValue() const {
+  if (!fPrevDiffers) return Value();
+  return fPrevValue ? *fPrevValue : DefaultOf(*fDeclaration);
+}
+
+// sic: unlike SetValue(), any NULL passes.
+void TCIMPropertyImpl::SetPrevValue(const TCIMValue& value) {
+  if (!value.IsNull()) Check("SetPrevValue", value);
+  // Not a copy of an untyped value: that cannot be made.
+  auto copy = std::make_unique<TCIMValue>();
+  if (value.GetType() != TCIMValue::TCIMType::TypeNone) *copy = value;
+  fPrevValue = std::move(copy);
+  fPrevDiffers = true;
+}
+
+// Throws zelStatusTypeMismatch unless `value` is of the declared type and, for a reference, refers
+// to the declared class or a subclass. A declaration that names no class takes any.
+void TCIMPropertyImpl::Check(const char* operation, const TCIMValue& value) const {
+  const TCIMValue::TCIMType declared = fDeclaration->GetType();
+  if (declared != value.GetType()) {
+    Fail(zelStatusTypeMismatch, Text(operation, ": decl is type ", TypeText(declared),
+                                     " but value is type ", TypeText(value.GetType())));
+  }
+  if (declared != TCIMValue::TCIMType::TypeReference) return;
+  const TCIMClass* declaredClass = DefaultOf(*fDeclaration).GetReferencedClass();
+  const TCIMClass* valueClass = value.GetReferencedClass();
+  if (declaredClass && !(valueClass && valueClass->IsSubclassOf(declaredClass))) {
+    Fail(zelStatusTypeMismatch, Text(operation, ": decl references type ", declaredClass->GetName(),
+                                     " but value references ", NameOf(valueClass)));
+  }
+}

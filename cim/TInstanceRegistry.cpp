@@ -1,0 +1,109 @@
+#include "cim/TInstanceRegistry.h"
+
+#include <algorithm>
+#include <functional>
+#include <utility>
+
+void TInstanceRegistry::Add(std::string path, const boost::shared_ptr<TCIMInstance>& instance) {
+  if (4 * (fPaths + 1) > 3 * fPlaces.size()) {
+    Rehash(std::max<std::size_t>(8, 2 * fPlaces.size()));
+  }
+  const std::size_t hash = std::hash<std::string>()(path);
+  const auto entry = static_cast<std::uint32_t>(fEntries.size());
+  std::uint32_t& first = fPlaces[PlaceOf(path, hash)];
+  fEntries.push_back({std::move(path), instance, hash, kNone, entry});
+  if (first == kNone) {
+    first = entry;
+    ++fPaths;
+  } else {
+    fEntries[fEntries[first].last].next = entry;
+    fEntries[first].last = entry;
+  }
+  ++fSize;
+  fOrder.clear();
+}
+
+TCIMInstance* TInstanceRegistry::Find(const std::string& path) const {
+  if (fPlaces.empty()) return nullptr;
+  const std::uint32_t entry = fPlaces[PlaceOf(path, std::hash<std::string>()(path))];
+  return entry == kNone ? nullptr : fEntries[entry].instance.get();
+}
+
+void TInstanceRegistry::Remove(const std::string& path) {
+  if (fPlaces.empty()) return;
+  const std::size_t place = PlaceOf(path, std::hash<std::string>()(path));
+  std::uint32_t entry = fPlaces[place];
+  if (entry == kNone) return;
+  ForgetPlace(place);
+  --fPaths;
+  for (; entry != kNone; entry = fEntries[entry].next) {
+    fEntries[entry].instance.reset();
+    --fSize;
+  }
+  fOrder.clear();
+  if (2 * fSize < fEntries.size()) Compact();
+}
+
+void TInstanceRegistry::AppendTo(std::vector<TCIMInstance*>& instances) const {
+  if (fOrder.size() != fSize) {
+    fOrder.reserve(fSize);
+    for (std::uint32_t entry = 0; entry < fEntries.size(); ++entry) {
+      if (fEntries[entry].instance) fOrder.push_back(entry);
+    }
+    std::stable_sort(fOrder.begin(), fOrder.end(), [this](std::uint32_t a, std::uint32_t b) {
+      return fEntries[a].path < fEntries[b].path;
+    });
+  }
+  instances.reserve(instances.size() + fOrder.size());
+  for (const std::uint32_t entry : fOrder) instances.push_back(fEntries[entry].instance.get());
+}
+
+// Where the path stands, or is to stand.
+std::size_t TInstanceRegistry::PlaceOf(const std::string& path, std::size_t hash) const {
+  const std::size_t mask = fPlaces.size() - 1;
+  std::size_t place = hash & mask;
+  while (fPlaces[place] != kNone) {
+    const TEntry& entry = fEntries[fPlaces[place]];
+    if (entry.hash == hash && entry.path == path) break;
+    place = (place + 1) & mask;
+  }
+  return place;
+}
+
+void TInstanceRegistry::Rehash(std::size_t places) {
+  const std::vector<std::uint32_t> old = std::exchange(fPlaces, std::vector<std::uint32_t>());
+  fPlaces.assign(places, kNone);
+  for (const std::uint32_t entry : old) {
+    if (entry == kNone) continue;
+    std::size_t place = fEntries[entry].hash & (places - 1);
+    while (fPlaces[place] != kNone) place = (place + 1) & (places - 1);
+    fPlaces[place] = entry;
+  }
+}
+
+// Empties a place and closes the gap, so that no search ends at it too early.
+void TInstanceRegistry::ForgetPlace(std::size_t place) {
+  const std::size_t mask = fPlaces.size() - 1;
+  std::size_t next = place;
+  for (;;) {
+    fPlaces[place] = kNone;
+    std::size_t home;
+    do {
+      next = (next + 1) & mask;
+      if (fPlaces[next] == kNone) return;
+      home = fEntries[fPlaces[next]].hash & mask;
+    } while (((next - home) & mask) < ((next - place) & mask));
+    fPlaces[place] = fPlaces[next];
+    place = next;
+  }
+}
+
+// Drops the entries that were removed.
+void TInstanceRegistry::Compact() {
+  std::vector<TEntry> old = std::exchange(fEntries, std::vector<TEntry>());
+  fPlaces.clear();
+  fPaths = fSize = 0;
+  for (TEntry& entry : old) {
+    if (entry.instance) Add(std::move(entry.path), entry.instance);
+  }
+}

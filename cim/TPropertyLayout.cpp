@@ -1,0 +1,71 @@
+#include "cim/TPropertyLayout.h"
+
+#include <algorithm>
+
+#include "cim/SchemaChanges.h"
+#include "cim/TCIMPropertyDeclImpl.h"
+#include "cim/TContainerImpl.h"
+
+using zelcore::detail::EqualsIgnoringAsciiCase;
+using zelcore::detail::ToAsciiLower;
+using zelcore::detail::TSchemaChanges;
+
+TPropertyLayout::TPropertyLayout(const TPropertyDecls& decls) : fChanges(TSchemaChanges::Count()) {
+  // By the names that the declarations have now: one that was renamed keeps its place in its class.
+  TPropertyDecls byName;
+  for (const auto& [key, decl] : decls) {
+    byName.emplace(TContainerImpl::NormalizeName(decl->GetName()), decl);
+  }
+  fSlots.reserve(byName.size());
+  for (const auto& [key, decl] : byName) fSlots.push_back({key, decl});
+
+  std::size_t places = 4;
+  while (places < 2 * fSlots.size()) places *= 2;
+  fIndex.resize(places);
+  for (std::size_t slot = 0; slot < fSlots.size(); ++slot) {
+    std::size_t place = Hash(fSlots[slot].key) & (places - 1);
+    while (fIndex[place] != 0) place = (place + 1) & (places - 1);
+    fIndex[place] = static_cast<std::uint32_t>(slot + 1);
+  }
+  fStampSlot = Find("DateTimeOfCollection");
+}
+
+bool TPropertyLayout::IsCurrent() const { return fChanges == TSchemaChanges::Count(); }
+
+std::uint32_t TPropertyLayout::Hash(std::string_view name) {
+  std::uint32_t hash = 2166136261u;
+  for (const char c : name) hash = (hash ^ static_cast<unsigned char>(ToAsciiLower(c))) * 16777619u;
+  return hash ^ (hash >> 15);
+}
+
+std::size_t TPropertyLayout::Find(std::string_view name) const {
+  const std::size_t mask = fIndex.size() - 1;
+  for (std::size_t place = Hash(name) & mask; fIndex[place] != 0; place = (place + 1) & mask) {
+    const std::size_t slot = fIndex[place] - 1;
+    if (EqualsIgnoringAsciiCase(fSlots[slot].key, name)) return slot;
+  }
+  return kNoSlot;
+}
+
+const std::vector<std::size_t>& TPropertyLayout::KeySlots() const {
+  if (!fKeysFound) FindKeys();
+  return fKeySlots;
+}
+
+const std::vector<std::size_t>& TPropertyLayout::PathSlots() const {
+  if (!fKeysFound) FindKeys();
+  return fPathSlots;
+}
+
+void TPropertyLayout::FindKeys() const {
+  std::vector<std::size_t> keys;
+  for (std::size_t slot = 0; slot < fSlots.size(); ++slot) {
+    if (fSlots[slot].decl->GetBody()->IsKey()) keys.push_back(slot);
+  }
+  fPathSlots = keys;
+  std::sort(fPathSlots.begin(), fPathSlots.end(), [this](std::size_t a, std::size_t b) {
+    return fSlots[a].decl->GetName() < fSlots[b].decl->GetName();
+  });
+  fKeySlots = std::move(keys);
+  fKeysFound = true;
+}

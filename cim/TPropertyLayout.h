@@ -1,0 +1,58 @@
+#pragma once
+
+#include <boost/shared_ptr.hpp>
+#include <cstddef>
+#include <cstdint>
+#include <map>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "cim/Names.h"
+#include "zelcore/TCIMPropertyDecl.h"
+
+// The property declarations of a class, keyed by the lower-case name.
+using TPropertyDecls =
+    std::map<std::string, boost::shared_ptr<TCIMPropertyDecl>, zelcore::detail::TNameLess>;
+
+// Where each property of an instance stands: worked out once per class and shared by its instances.
+// Slots are in the order of the lower-case names. Valid for as long as neither the declarations nor
+// anything that TSchemaChanges counts has changed.
+class TPropertyLayout {
+ public:
+  static constexpr std::size_t kNoSlot = static_cast<std::size_t>(-1);
+
+  explicit TPropertyLayout(const TPropertyDecls& decls);
+
+  bool IsCurrent() const;
+
+  std::size_t Size() const { return fSlots.size(); }
+  const TCIMPropertyDecl& Decl(std::size_t slot) const { return *fSlots[slot].decl; }
+  // Without regard to case; `name` need not be valid.
+  std::size_t Find(std::string_view name) const;
+
+  // The slot of DateTimeOfCollection, or kNoSlot.
+  std::size_t StampSlot() const { return fStampSlot; }
+
+  // The key properties, in the order of the slots. Throws what testing KEY throws.
+  const std::vector<std::size_t>& KeySlots() const;
+  // The same in the order in which a path names them: by the bytes of the names as declared.
+  const std::vector<std::size_t>& PathSlots() const;
+
+ private:
+  struct TSlot {
+    std::string key;
+    boost::shared_ptr<TCIMPropertyDecl> decl;
+  };
+
+  static std::uint32_t Hash(std::string_view name);
+  void FindKeys() const;
+
+  std::vector<TSlot> fSlots;
+  std::vector<std::uint32_t> fIndex;  // open addressing: slot plus 1, or 0
+  std::size_t fStampSlot;
+  std::uint64_t fChanges;
+  mutable bool fKeysFound = false;
+  mutable std::vector<std::size_t> fKeySlots;
+  mutable std::vector<std::size_t> fPathSlots;
+};
