@@ -340,7 +340,7 @@ TEST_F(TCIMValueTest, VariantsConvertToAndCompareWithTheirOwnTypeAlone) {
   EXPECT_FALSE(text == TCIMValue(1));
   EXPECT_FALSE(text < TCIMValue(kMarch));
   EXPECT_EQ("zelStatusValueIsNULL", StatusOf([&] { (void)(text == Null(13)); }));
-  const TCIMArrayValueImpl array({TCIMValue(1)});
+  const TCIMArrayValueImpl array(TValues{1});
   EXPECT_TRUE(array == TCIMValue(TCIMType::TypeSint32, 0, {1}));
   EXPECT_FALSE(array == TCIMValue(1));
   EXPECT_EQ("zelStatusNotImplemented", StatusOf([&] { (void)(array < TCIMValue(1)); }));
