@@ -1,0 +1,92 @@
+// Reading a document from disk into a container: the whole file, plain or gzip-compressed, into one
+// buffer that the parser may write to.
+
+#include <zlib.h>
+
+#include <boost/shared_ptr.hpp>
+#include <cstdio>
+#include <fstream>
+#include <memory>
+#include <new>
+#include <string>
+#include <vector>
+
+#include "cim/TContainerImpl.h"
+#include "xml/TCIMXMLParser.h"
+#include "zelcore/TOSSpecific.h"
+#include "zelcore/TZELException.h"
+#include "zelcore/detail/Fail.h"
+
+using zelcore::detail::Fail;
+using zelcore::detail::Text;
+
+namespace {
+
+using TBuffer = boost::shared_ptr<char[]>;
+
+constexpr std::size_t kMaxDocumentSize = 0x6400000;  // 100 MiB of text
+
+// Room for `size` bytes and the NUL that ends the document; not cleared.
+TBuffer AllocateBuffer(std::size_t size) {
+  if (size > kMaxDocumentSize) Fail(zelStatusInvalidSpecificationDocument);
+  char* const bytes = new (std::nothrow) char[size + 1];
+  if (!bytes) Fail(zelStatusOutOfMemory);
+  return TBuffer(bytes);
+}
+
+// The length of the text that a gzip file says it holds, checked for the magic number in front.
+std::size_t ReadGzipLength(const std::string& path) {
+  std::ifstream file(path, std::ios::binary);
+  if (!file) Fail(zelStatusFileSystemError);
+  unsigned char magic[2] = {};
+  if (!file.read(reinterpret_cast<char*>(magic), sizeof magic)) Fail(zelStatusFileSystemError);
+  if (magic[0] != 0x1F || magic[1] != 0x8B) Fail(zelStatusInvalidGzipFile);
+  unsigned char length[4] = {};
+  if (!file.seekg(-4, std::ios::end) ||
+      !file.read(reinterpret_cast<char*>(length), sizeof length)) {
+    Fail(zelStatusFileSystemError);
+  }
+  return length[0] | length[1] << 8 | length[2] << 16 | static_cast<std::size_t>(length[3]) << 24;
+}
+
+TBuffer ReadGzip(const std::string& path) {
+  const std::size_t length = ReadGzipLength(path);
+  TBuffer buffer = AllocateBuffer(length);
+  const std::unique_ptr<gzFile_s, int (*)(gzFile)> file(gzopen(path.c_str(), "rb"), gzclose);
+  if (!file) Fail(zelStatusFileSystemError);
+  // One byte more is asked for, so that a file that holds more than it says is noticed.
+  const int count = gzread(file.get(), buffer.get(), static_cast<unsigned int>(length + 1));
+  if (count < 0 || static_cast<std::size_t>(count) != length) Fail(zelStatusCorruptGzipFile);
+  buffer[length] = '\0';
+  return buffer;
+}
+
+TBuffer ReadPlain(const std::string& path, std::size_t size) {
+  TBuffer buffer = AllocateBuffer(size);
+  const std::unique_ptr<std::FILE, int (*)(std::FILE*)> file(std::fopen(path.c_str(), "r"),
+                                                             std::fclose);
+  if (!file) Fail(zelStatusFileSystemError);
+  // The file may have shrunk since it was measured.
+  const std::size_t count = std::fread(buffer.get(), 1, size, file.get());
+  if (std::ferror(file.get())) Fail(zelStatusFileSystemError);
+  buffer[count] = '\0';
+  return buffer;
+}
+
+TBuffer ReadDocument(const std::string& path) {
+  const std::size_t size = TOSSpecific::GetFileSize(path);
+  return path.rfind(".gz") != std::string::npos ? ReadGzip(path) : ReadPlain(path, size);
+}
+
+}  // namespace
+
+std::vector<TCIMClass*> TContainerImpl::PopulateContainerFromFile(const std::string& path) {
+  const TBuffer document = ReadDocument(path);
+  TCIMXMLParser parser(*fOwner);
+  try {
+    parser.Parse(document.get());
+  } catch (const TZELException& failure) {
+    Fail(failure.GetStatusCode(), Text("Previous error was while parsing file '", path, "'"));
+  }
+  return parser.GetClassesCollected();
+}
