@@ -23,7 +23,7 @@ zelStatusCode Register() {
 
 TEST(TRootObject, ReturnsNullUntilEachObjectIsMade) {
   EXPECT_TRUE(kNothingThereAtLoad);
-  delete TLogger::GetInstance();
+  delete TLogger::GetInstance();  // the one that every test starts with
   EXPECT_EQ(nullptr, TRootObject::GetCoreLogger());
   CoreInit();
   EXPECT_EQ(nullptr, TRootObject::GetCoreLogger());
@@ -35,7 +35,9 @@ TEST(TRootObject, ReturnsNullUntilEachObjectIsMade) {
   EXPECT_EQ(TLogger::GetInstance(), TRootObject::GetCoreLogger());
   EXPECT_EQ(nullptr, TRootObject::GetPluginManager());
 
+  EXPECT_EQ(zelStatusInvalidOpSequence, Register());
   EXPECT_EQ(0, TPluginManager::Initialize("/nowhere"));
+  EXPECT_EQ(zelStatusOK, Register());
   ASSERT_NE(nullptr, TRootObject::GetPluginManager());
   EXPECT_EQ(TPluginManager::GetInstance(), TRootObject::GetPluginManager());
   EXPECT_EQ(nullptr, TRootObject::GetQueryManager());
@@ -43,10 +45,4 @@ TEST(TRootObject, ReturnsNullUntilEachObjectIsMade) {
   EXPECT_EQ(0, TQueryManager::Initialize());
   ASSERT_NE(nullptr, TRootObject::GetQueryManager());
   EXPECT_EQ(TQueryManager::GetInstance(), TRootObject::GetQueryManager());
-}
-
-TEST(TRootObject, LetsPluginsRegisterOnceThereIsAPluginManager) {
-  EXPECT_EQ(zelStatusInvalidOpSequence, Register());
-  TPluginManager::Initialize("/nowhere");
-  EXPECT_EQ(zelStatusOK, Register());
 }
