@@ -157,6 +157,7 @@ TEST(RunQuery, NamesPluginsThatFailAndKeepsTheDataOfTheOthers) {
                 "Plugin  threw exception zelStatusFail",
                 "zelAddClass: CIM class Throws_Thing threw exception disk on fire",
                 "Plugin throws threw exception disk on fire",
+                "Instance Unfinished_Thing: key property Id is NULL",
                 "Plugin unfinished threw exception zelStatusInvalidInstance",
                 "Plugin refuses threw exception zelStatusFail",
                 "Plugin  threw exception zelStatusFail",
