@@ -98,11 +98,12 @@ void TCIMClassImpl::Validate() const {
 
 void TCIMClassImpl::AddToContainer(TCIMClass& handle) {
   handle.Validate();
+  const bool isAssociation = IsAssociation();  // may throw: nothing is registered yet
   fContainer->AddClass(handle);
   fOwner = &handle;
   Body(*fSuperClass).AddChildClass(handle);
   fAdded = true;
-  if (IsAssociation()) LinkAssociatedClasses();
+  if (isAssociation) LinkAssociatedClasses();
 }
 
 // Records the association on the most general ones of the classes that it refers to.
