@@ -35,8 +35,9 @@ constexpr TKnownProduct kKnownProducts[] = {
     {"KVR Storage Server 3600", "4136xxx"},
 };
 
-// How the product names of this family begin; machine type, model and "]" follow.
-constexpr std::string_view kFamilyPrefix = "KVR System 9000 -[";
+// How the product names of this family begin; machine type, model and "]" follow. The brackets of
+// the brand would lead the rule for other names astray.
+constexpr std::string_view kFamilyPrefix = "KVR-[R]9000 Rack-[";
 static_assert(kFamilyPrefix.size() == 18);
 
 // ---- Reading one property ----------------------------------------------------------------------
@@ -120,7 +121,7 @@ std::string KnownProduct(const std::string& text) {
   return product == std::end(kKnownProducts) ? "" : product->mtm;
 }
 
-// "KVR System 9000 -[4190A1B]-"
+// "KVR-[R]9000 Rack-[4190A1B]-"
 std::string FamilyMTM(const std::string& text) {
   const std::size_t end = kFamilyPrefix.size() + kMTMLength;
   const bool bracketed = text.compare(0, kFamilyPrefix.size(), kFamilyPrefix) == 0 &&

@@ -63,10 +63,7 @@ TLogger* TLogger::GetInstance() { return fgInstance; }
 TLogger::TLogger() : fThreshold(zelLogStatus) { fLogFile.imbue(std::locale::classic()); }
 
 TLogger::~TLogger() {
-  if (!fLogFilename.empty()) {
-    fLogFile << kClosedBanner << std::flush;
-    fLogFile.close();
-  }
+  if (!fLogFilename.empty()) fLogFile << kClosedBanner;
   if (fgInstance == this) fgInstance = nullptr;
 }
 
@@ -115,7 +112,6 @@ zelLogSeverity TLogger::GetLogThreshold() { return fThreshold; }
 void TLogger::SetLogFilename(const std::string& name) {
   fLogFilename = name;  // sic: kept when the file cannot be opened; lines are lost then
   if (fLogFile.is_open()) fLogFile.close();
-  fLogFile.clear();
   errno = 0;
   fLogFile.open(name, std::ios::out | std::ios::ate);
   if (!fLogFile) Fail(errno == EACCES ? zelStatusAccessDenied : zelStatusFileSystemError);

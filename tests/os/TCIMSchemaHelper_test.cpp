@@ -241,11 +241,11 @@ TEST(GetMTM, FindsMachineTypeAndModelInTheProductName) {
       {"KVR Server 4800",             "4104xxx", "4104", "xxx"},
       {"KVR Blade Server 20 ",        "4120xxx", "4120", "xxx"},
       {"KVR Storage Server 3600",     "4136xxx", "4136", "xxx"},
-      {"KVR System 9000 -[4190A1B]-", "4190A1B", "4190", "A1B"}, // the family
-      {"KVR System 9000 -[4190A1B]",  "4190A1B", "4190", "A1B"},
+      {"KVR-[R]9000 Rack-[4190A1B]-", "4190A1B", "4190", "A1B"}, // the family
+      {"KVR-[R]9000 Rack-[4190A1B]",  "4190A1B", "4190", "A1B"},
       {"Other -[2468A1B]-",           "2468A1B", "2468", "A1B"},
       {"-[2468   ]-",                 "2468   ", "2468", "   "},
-      {"Other -[2468A1B",   "2468A1B", "2468", "A1B"},
+      {"Any Server -[2468A1B",        "2468A1B", "2468", "A1B"},
       {"2468A1B",                     "2468A1B", "2468", "A1B"},
       {"2468A1B and more",            "2468A1B", "2468", "A1B"},
       {"2468 1B",                     "2468 1B", "2468", " 1B"},
@@ -270,8 +270,8 @@ TEST(GetMTM, FindsMachineTypeAndModelInTheProductName) {
 
 TEST(GetMTM, RefusesATextThatPassesNoRule) {
   SetLogThreshold(zelLogDebug);
-  for (const char* product :
-       {"", "   ", "Box", "To be filled in", "-2468A1B", "867", "Box -[86]-"}) {
+  for (const char* product : {"", "   ", "Box", "To be filled in", "-2468A1B", "867", "Box -[86]-",
+                              "KVR-[R]9000 Rack-[4190A1B", "KVR-[R]9000 Rack-[41?0A1B]-"}) {
     SCOPED_TRACE(product);
     const auto machine = Product(product);
     ClearLog();
