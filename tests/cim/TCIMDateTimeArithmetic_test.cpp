@@ -84,6 +84,18 @@ TEST(DateTimeValidity, RefusesTheSecondBeforeTheEpoch) {
   EXPECT_EQ("zelStatusOK", StatusOf([] { Stamp("19691231235959.000000+000"); }));
 }
 
+TEST(DateTimeValidity, FindsTheSecondBeforeTheEpochFromFarYearsToo) {
+  const TimeZone zone("UTC");
+  for (const TFields& fields : {
+           TFields{1959, 1,   4018,        23, 59, 59, 0},
+           TFields{1959, 132, 31,          23, 59, 59, 0},
+           TFields{1971, 1,   4294966931u, 23, 59, 59, 0}
+  }) {
+    EXPECT_FALSE(MktimeAccepts(fields)) << fields.year << " " << fields.month;
+    EXPECT_FALSE(IsValid(fields)) << fields.year << " " << fields.month;
+  }
+}
+
 TEST(DateTimeValidity, AgreesWithMktimeOnAnyFields) {
   std::mt19937 random(19700101);
   const auto pick = [&](unsigned int limit) { return static_cast<unsigned int>(random() % limit); };
