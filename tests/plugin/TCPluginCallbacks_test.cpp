@@ -229,6 +229,7 @@ TEST_F(PluginCallbacks, ForgetARecordThatTheManagerDropped) {
   EXPECT_EQ("as the library", LastLogLine());
   plugin->Init();
   EXPECT_STREQ("", plugin->GetPluginPath());
+  plugin->PrepareForUnload();
 }
 
 }  // namespace

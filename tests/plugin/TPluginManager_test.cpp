@@ -250,6 +250,7 @@ TEST(FindAndLoadPlugins, FindsDocumentsBelowADirectoryWithLibInItsNameThroughADe
   const std::string path =
       "/proc/" + std::to_string(getpid()) + "/fd/" + std::to_string(descriptor);
 
+  delete TPluginManager::GetInstance();
   TPluginManager::Initialize(path);
   PluginDir::Schema().PopulateContainerFromFile(ZEL_SOURCE_DIR "/tests/testdata/plugin-base.xml");
   PluginDir::Manager().FindAndLoadPlugins();
@@ -263,10 +264,11 @@ TEST(FindAndLoadPlugins, FindsDocumentsBelowADirectoryWithLibInItsNameThroughADe
 // ---- Registration
 
 zelPluginInfo NoName(TCPluginCallbacks*) { return {"", "", "", 2, 0}; }
+zelStatusCode Succeed(TCPluginCallbacks*) { return zelStatusOK; }
 
 TEST(PluginManager, DropsRegistrationsThatNoLoadFinished) {
   const PluginDir plugins;
-  zelPluginCallbacks table{nullptr, nullptr, nullptr, nullptr, NoName, nullptr};
+  zelPluginCallbacks table{nullptr, nullptr, nullptr, nullptr, NoName, Succeed};
   TCPluginCallbacks* plugin = nullptr;
   zelRegisterPlugin(&table, &plugin);
   EXPECT_TRUE(PluginDir::Manager().GetPluginsContainer().empty());
@@ -275,12 +277,12 @@ TEST(PluginManager, DropsRegistrationsThatNoLoadFinished) {
   IPlugin* record = nullptr;
   zelGetHandle(plugin, &record);
   EXPECT_EQ(nullptr, record);
+  plugin->PrepareForUnload();
 }
 
 TEST(PluginManager, InitializesWhatIsPending) {
   TPluginManager::Initialize("/nowhere");
-  zelPluginCallbacks table{
-      nullptr, [](TCPluginCallbacks*) { return zelStatusOK; }, nullptr, nullptr, NoName, nullptr};
+  zelPluginCallbacks table{nullptr, Succeed, nullptr, nullptr, NoName, nullptr};
   TCPluginCallbacks* first = nullptr;
   TCPluginCallbacks* second = nullptr;
   zelRegisterPlugin(&table, &first);
