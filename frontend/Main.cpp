@@ -38,18 +38,40 @@ std::string Names(const TTable& table) {
   return names;
 }
 
+// Help that opens with examples.
+class TFormatter : public CLI::Formatter {
+ public:
+  void AddExamples(const std::string& command, const std::vector<std::string>& examples) {
+    fExamples[command] = examples;
+  }
+
+  std::string make_description(const CLI::App* app) const override {
+    std::string text = app->get_description() + ".\n\n";
+    const auto found = fExamples.find(app->get_name());
+    if (found == fExamples.end()) return text;
+    text += "Examples:\n";
+    for (const std::string& example : found->second) text += "  " + example + "\n";
+    return text + "\n";
+  }
+
+ private:
+  std::map<std::string, std::vector<std::string>> fExamples;
+};
+
 // What a command needs of the command line.
 class TArguments {
  public:
-  TArguments() : fApp("Collects a typed inventory of this machine.", "zel") {
+  TArguments()
+      : fFormatter(std::make_shared<TFormatter>()),
+        fApp("Collects a typed inventory of this machine", "zel") {
     fApp.set_version_flag("--version", "zel " ZEL_VERSION);
     fApp.footer(kExitCodes);
     fApp.require_subcommand(1);
-    fApp.formatter(std::make_shared<CLI::Formatter>());
+    fApp.formatter(fFormatter);
 
     CLI::App* collect = AddCommand(
         "collect", "Collect this machine and print a summary, or all there is of some classes",
-        "zel collect\nzel collect --class KVRSG_Processor KVRSG_Memory --format json");
+        {"zel collect", "zel collect --class KVRSG_Processor KVRSG_Memory --format json"});
     AddCollectionOptions(*collect, fCollect.options);
     collect
         ->add_option("--class", fCollect.classes,
@@ -61,10 +83,10 @@ class TArguments {
 
     CLI::App* plugins =
         AddCommand("plugins", "List the plug-ins, their classes, and why one does not load",
-                   "zel plugins\nzel plugins --plugin-dir build/plugins");
+                   {"zel plugins", "zel plugins --plugin-dir /opt/acme/plugins"});
     AddCollectionOptions(*plugins, fPlugins.options);
 
-    CLI::App* help = AddCommand("help", "Explain a command", "zel help\nzel help collect");
+    CLI::App* help = AddCommand("help", "Explain a command", {"zel help", "zel help collect"});
     help->add_option("COMMAND", fTopic, "The command to explain");
   }
 
@@ -78,16 +100,9 @@ class TArguments {
 
  private:
   CLI::App* AddCommand(const std::string& name, const std::string& text,
-                       const std::string& examples) {
-    CLI::App* command = fApp.add_subcommand(name, text);
-    std::string indented;
-    for (std::size_t start = 0; start != std::string::npos;) {
-      const std::size_t end = examples.find('\n', start);
-      indented += "\n  " + examples.substr(start, end - start);
-      start = end == std::string::npos ? end : end + 1;
-    }
-    command->description(text + ".\n\nExamples:" + indented);
-    return command;
+                       const std::vector<std::string>& examples) {
+    fFormatter->AddExamples(name, examples);
+    return fApp.add_subcommand(name, text);
   }
 
   static void AddCollectionOptions(CLI::App& command, TCollectionOptions& options) {
@@ -112,19 +127,22 @@ class TArguments {
   }
 
   TExitCode Help(std::ostream& out) {
-    if (fTopic.empty()) {
-      out << fApp.help();
-      return kExitDone;
+    const auto isTopic = [this](const CLI::App* command) { return command->get_name() == fTopic; };
+    const CLI::App* topic = &fApp;
+    if (!fTopic.empty()) {
+      const auto found = fApp.get_subcommands(isTopic);
+      if (found.empty()) {
+        throw TCommandError(kExitUsage,
+                            fmt::format("no command '{}'; 'zel help' lists them", fTopic));
+      }
+      topic = found.front();
     }
-    try {
-      out << fApp.get_subcommand(fTopic)->help();
-    } catch (const CLI::OptionNotFound&) {
-      throw TCommandError(kExitUsage,
-                          fmt::format("no command '{}'; 'zel help' lists them", fTopic));
-    }
+    const std::string name = fTopic.empty() ? "zel" : "zel " + fTopic;
+    out << fFormatter->make_help(topic, name, CLI::AppFormatMode::Normal);
     return kExitDone;
   }
 
+  std::shared_ptr<TFormatter> fFormatter;
   CLI::App fApp;
   TCollectCommand fCollect;
   TPluginsCommand fPlugins;

@@ -5,7 +5,7 @@ set -euo pipefail
 library=$BUILD_DIR/libzelcore.so
 exported=$(nm -D --defined-only "$library" | awk '{print $3}')
 
-for name in $(grep -oE '\bzel[A-Z][A-Za-z0-9]+ *\(' include/zelcore/zel.h | tr -d ' (' | sort -u); do
+for name in $(grep -oE '\bzel[A-Z][A-Za-z0-9]+\(' include/zelcore/zel.h | tr -d '(' | sort -u); do
   grep -qx "$name" <<<"$exported" || { echo "not exported: $name"; exit 1; }
 done
 grep -qx CoreInit <<<"$exported"

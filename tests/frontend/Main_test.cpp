@@ -129,7 +129,8 @@ TEST(Collect, NeedsPluginsAndABaseSchema) {
       "with --base\n",
       result.err);
 
-  const std::string broken = plugins.WriteFile("broken.xml", "<CIM>\n<X/>");
+  const std::string broken =
+      plugins.WriteFile("broken.xml", "<CIM CIMVERSION=\"2.0\" DTDVERSION=\"2.0\">\n<X/>");
   result = Zel({"collect", "--plugin-dir", plugins.GetPath(), "--base", broken});
   EXPECT_EQ(4, result.code);
   EXPECT_THAT(result.err, StartsWith("zel: cannot read the base schema '" + broken +
