@@ -4,7 +4,6 @@
 #include <gtest/gtest.h>
 
 #include <functional>
-#include <map>
 #include <memory>
 
 #include "tests/support/LogSpy.h"
@@ -20,7 +19,15 @@ using testing::IsEmpty;
 
 namespace {
 
-using Properties = std::map<std::string, TCIMValue>;
+using Helper = TCIMSchemaHelper;
+
+const std::string kSystem = "KVRSG_ComputerSystem";
+const std::string kOS = "KVRSG_OperatingSystem";
+const std::string kProduct = "KVRSG_VNTProduct";
+
+TCIMValue String(const std::string& text) { return TCIMValue(text); }
+TCIMValue Uint16(unsigned short number) { return TCIMValue(number); }
+TCIMValue NullOf(const TCIMValue& value) { return TCIMValue(value.GetType(), 0u); }
 
 // A container with classes whose key is Tag.
 class Machine {
@@ -34,34 +41,39 @@ class Machine {
 
   TContainer* Container() { return &fContainer; }
 
-  // Declares the class with these properties and their types.
-  TCIMClass* Declare(const std::string& name, const Properties& properties,
-                     TCIMClass* superClass = nullptr) {
-    auto* cls = fContainer.AllocateClass(name, superClass);
-    if (!superClass) DeclareKey(*cls);
-    for (const auto& [property, value] : properties) {
-      const TCIMValue type(value.GetType(), 0u);
-      (new TCIMPropertyDecl(property, *cls, type))->AddToContainer();
+  // Declares a class with one property of the type of `value`, or with none but the key.
+  TCIMClass* Declare(const std::string& name, const std::string& property = "",
+                     const TCIMValue& value = {}) {
+    TCIMClass* cls = fContainer.AllocateClass(name, nullptr);
+    DeclareKey(*cls);
+    if (!property.empty()) {
+      (new TCIMPropertyDecl(property, *cls, NullOf(value)))->AddToContainer();
     }
     cls->AddToContainer();
     return cls;
   }
 
-  void Add(TCIMClass* cls, const Properties& properties) {
-    auto* instance = fContainer.AllocateInstance(cls);
-    instance->SetPropertyValue("Tag", TCIMValue(std::to_string(++fCount)));
-    for (const auto& [property, value] : properties) instance->SetPropertyValue(property, value);
+  TCIMClass* DeclareSubClass(const std::string& name, TCIMClass* superClass) {
+    TCIMClass* cls = fContainer.AllocateClass(name, superClass);
+    cls->AddToContainer();
+    return cls;
+  }
+
+  void Add(TCIMClass* cls, const std::string& property = "", const TCIMValue& value = {}) {
+    TCIMInstance* instance = fContainer.AllocateInstance(cls);
+    instance->SetPropertyValue("Tag", String(std::to_string(++fCount)));
+    if (!property.empty()) instance->SetPropertyValue(property, value);
     instance->AddToContainer();
   }
 
   // Declares the class and adds one instance.
-  void Tell(const std::string& name, const Properties& properties) {
-    Add(Declare(name, properties), properties);
+  void Tell(const std::string& name, const std::string& property, const TCIMValue& value) {
+    Add(Declare(name, property, value), property, value);
   }
 
  private:
   void DeclareKey(TCIMClass& cls) {
-    auto* tag = new TCIMPropertyDecl("Tag", cls, TCIMValue(TCIMValue::TCIMType::TypeString, 0u));
+    auto* tag = new TCIMPropertyDecl("Tag", cls, NullOf(String("")));
     tag->AddQualifier(*new TCIMQualifier(*fContainer.GetQualifierDecl("KEY"), TCIMValue(true)));
     tag->AddToContainer();
   }
@@ -70,70 +82,55 @@ class Machine {
   int fCount = 0;
 };
 
-TCIMValue String(const std::string& text) { return TCIMValue(text); }
-TCIMValue NullString() { return TCIMValue(TCIMValue::TCIMType::TypeString, 0u); }
-
 // A machine whose computer system has this product name.
 std::unique_ptr<Machine> Product(const std::string& name) {
   auto machine = std::make_unique<Machine>();
-  machine->Tell("KVRSG_ComputerSystem", {
-                                            {"ProductName", String(name)}
-  });
+  machine->Tell(kSystem, "ProductName", String(name));
   return machine;
 }
 
-using Getter = std::function<std::string(TContainer*)>;
-
 std::string GetOSType(TContainer* container) {
-  return std::to_string(TCIMSchemaHelper::GetOperatingSystemType(container));
+  return std::to_string(Helper::GetOperatingSystemType(container));
 }
 
 // Every question that is answered from one property of one instance.
 const struct {
-  const char* className;
-  const char* label;
-  const char* property;
+  std::string className, property;
   TCIMValue value;
-  Getter get;
-  const char* answer;
-  const char* type;
+  std::string (*get)(TContainer*);
+  std::string answer;
 } kQuestions[] = {
-    {"KVRSG_ComputerSystem",  "computer system",  "Name",         String("host"),
-     TCIMSchemaHelper::GetSystemName,                                                          "host",   "string"},
-    {"KVRSG_ComputerSystem",  "computer system",  "ProductName",  String("Box 1 "),
-     TCIMSchemaHelper::GetSystemProductName,                                                   "Box 1 ", "string"},
-    {"KVRSG_ComputerSystem",  "computer system",  "ProductName",  String("Box 1 "),
-     TCIMSchemaHelper::GetRawMTMString,                                                        "Box 1 ", "string"},
-    {"KVRSG_ComputerSystem",  "computer system",  "SerialNumber", String(" -? "),
-     TCIMSchemaHelper::GetRawSerialNumberString,                                               " -? ",   "string"},
-    {"KVRSG_OperatingSystem", "operating system", "Name",         String("Linux"),
-     TCIMSchemaHelper::GetOperatingSystemName,                                                 "Linux",  "string"},
-    {"KVRSG_OperatingSystem", "operating system", "Version",      String("12"),
-     TCIMSchemaHelper::GetOperatingSystemVersion,                                              "12",     "string"},
-    {"KVRSG_OperatingSystem", "operating system", "OSType",
-     TCIMValue(static_cast<unsigned short>(65535)),                                 GetOSType, "65535",  "uint16"},
-    {"KVRSG_VNTProduct",      "product",          "Version",      String("1.2.3"),
-     TCIMSchemaHelper::GetDataSourceVersion,                                                   "1.2.3",  "string"},
+    {kSystem,  "Name",         String("host"),   Helper::GetSystemName,             "host"  },
+    {kSystem,  "ProductName",  String("Box 1 "), Helper::GetSystemProductName,      "Box 1 "},
+    {kSystem,  "ProductName",  String("Box 1 "), Helper::GetRawMTMString,           "Box 1 "},
+    {kSystem,  "SerialNumber", String(" -? "),   Helper::GetRawSerialNumberString,  " -? "  },
+    {kOS,      "Name",         String("Linux"),  Helper::GetOperatingSystemName,    "Linux" },
+    {kOS,      "Version",      String("12"),     Helper::GetOperatingSystemVersion, "12"    },
+    {kOS,      "OSType",       Uint16(65535),    GetOSType,                         "65535" },
+    {kProduct, "Version",      String("1.2.3"),  Helper::GetDataSourceVersion,      "1.2.3" },
 };
+
+std::string LabelOf(const std::string& className) {
+  return className == kSystem ? "computer system"
+         : className == kOS   ? "operating system"
+                              : "product";
+}
 
 }  // namespace
 
 TEST(TCIMSchemaHelper, NamesTheClasses) {
-  EXPECT_EQ("KVRSG_ComputerSystem", TCIMSchemaHelper::kSystemCreationClassName);
-  EXPECT_EQ("KVRSG_OperatingSystem", TCIMSchemaHelper::kOperatingSystemCreationClassName);
-  EXPECT_EQ("KVRSG_ComputerSystem", TCIMSchemaHelper::GetSystemCreationClassName(nullptr));
-  EXPECT_EQ("KVRSG_OperatingSystem",
-            TCIMSchemaHelper::GetOperatingSystemCreationClassName(nullptr));
+  EXPECT_EQ("KVRSG_ComputerSystem", Helper::kSystemCreationClassName);
+  EXPECT_EQ("KVRSG_OperatingSystem", Helper::kOperatingSystemCreationClassName);
+  EXPECT_EQ("KVRSG_ComputerSystem", Helper::GetSystemCreationClassName(nullptr));
+  EXPECT_EQ("KVRSG_OperatingSystem", Helper::GetOperatingSystemCreationClassName(nullptr));
 }
 
 TEST(TCIMSchemaHelper, AnswersFromTheOneInstance) {
   SetLogThreshold(zelLogDebug);
   for (const auto& question : kQuestions) {
-    SCOPED_TRACE(testing::Message() << question.className << "." << question.property);
+    SCOPED_TRACE(question.className + "." + question.property);
     Machine machine;
-    machine.Tell(question.className, {
-                                         {question.property, question.value}
-    });
+    machine.Tell(question.className, question.property, question.value);
     EXPECT_EQ(question.answer, question.get(machine.Container()));
   }
   EXPECT_THAT(LogLines(), IsEmpty());
@@ -141,15 +138,12 @@ TEST(TCIMSchemaHelper, AnswersFromTheOneInstance) {
 
 TEST(TCIMSchemaHelper, AnswersFromAnInstanceOfASubclass) {
   for (const auto& question : kQuestions) {
-    const Properties properties{
-        {question.property, question.value}
-    };
     Machine machine;
-    TCIMClass* cls = machine.Declare(question.className, properties);
-    machine.Add(machine.Declare("Special", {}, cls), properties);
+    TCIMClass* cls = machine.Declare(question.className, question.property, question.value);
+    machine.Add(machine.DeclareSubClass("Special", cls), question.property, question.value);
     EXPECT_EQ(question.answer, question.get(machine.Container()));
 
-    machine.Add(cls, properties);
+    machine.Add(cls, question.property, question.value);
     EXPECT_EQ("zelStatusNotFound", StatusOf([&] { question.get(machine.Container()); }));
   }
 }
@@ -157,46 +151,38 @@ TEST(TCIMSchemaHelper, AnswersFromAnInstanceOfASubclass) {
 TEST(TCIMSchemaHelper, TellsWhyThereIsNoAnswer) {
   SetLogThreshold(zelLogDebug);
   for (const auto& question : kQuestions) {
-    SCOPED_TRACE(testing::Message() << question.className << "." << question.property);
-    const std::string label = question.label;
-    const std::string name = question.property;
-    const TCIMValue null(question.value.GetType(), 0u);
-    const TCIMValue other(7u);
-    const struct {
-      std::function<void(Machine&)> arrange;
-      const char* code;
-      std::string message;
-    } rows[] = {
-        {[](Machine&) {},                                                    "zelStatusNotFound", "no " + label                                                                            },
-        {[&](Machine& machine) { machine.Declare(question.className, {}); }, "zelStatusNotFound",
-         label + " instances != 1"                                                                                                                                                         },
-        {[&](Machine& machine) {
-           TCIMClass* cls = machine.Declare(question.className, {
-                                                                    {name, question.value}});
-           machine.Add(cls, {
-                                {name, question.value}});
-           machine.Add(cls, {
-                                {name, question.value}});
-         },                                                                   "zelStatusNotFound",                                                                                       label + " instances != 1"                                                                                                                                                                                },
-        {[&](Machine& machine) { machine.Tell(question.className, {}); },                                                                   "zelStatusNotFound",
-         "didn't find " + name + " property"                                                                                                                                                                      },
-        {[&](Machine& machine) {
-           machine.Tell(question.className, {
-                                                {name, null}});
-         },                                         "zelStatusValueIsNULL",name + " is NULL"},
-        {[&](Machine& machine) {
-           machine.Tell(question.className, {
-                                                {name, other}});
-         },                                "zelStatusTypeMismatch",                                                   name + " wasn't a " + question.type},
-    };
-    for (const auto& row : rows) {
-      Machine machine;
-      row.arrange(machine);
+    const auto& [className, property, value, get, answer] = question;
+    SCOPED_TRACE(className + "." + property);
+    const auto expect = [&, getter = get](const std::string& code, const std::string& message,
+                                          Machine& machine) {
       ClearLog();
-      EXPECT_EQ(row.code, StatusOf([&] { question.get(machine.Container()); }));
-      EXPECT_THAT(LogLines(zelLogDebug), ElementsAre("TCIMSchemaHelper: " + row.message));
+      EXPECT_EQ(code, StatusOf([&] { getter(machine.Container()); }));
+      EXPECT_THAT(LogLines(zelLogDebug), ElementsAre("TCIMSchemaHelper: " + message));
       EXPECT_EQ(1u, LogLines().size());
-    }
+    };
+    const std::string type = property == "OSType" ? "uint16" : "string";
+
+    Machine empty;
+    expect("zelStatusNotFound", "no " + LabelOf(className), empty);
+
+    Machine counted;
+    TCIMClass* cls = counted.Declare(className, property, value);
+    expect("zelStatusNotFound", LabelOf(className) + " instances != 1", counted);
+    counted.Add(cls, property, value);
+    counted.Add(cls, property, value);
+    expect("zelStatusNotFound", LabelOf(className) + " instances != 1", counted);
+
+    Machine bare;
+    bare.Add(bare.Declare(className));
+    expect("zelStatusNotFound", "didn't find " + property + " property", bare);
+
+    Machine null;
+    null.Tell(className, property, NullOf(value));
+    expect("zelStatusValueIsNULL", property + " is NULL", null);
+
+    Machine mistyped;
+    mistyped.Tell(className, property, 7u);
+    expect("zelStatusTypeMismatch", property + " wasn't a " + type, mistyped);
   }
 }
 
@@ -205,26 +191,25 @@ TEST(IsValidMachineType, LooksAtFourLettersOrDigits) {
     const char* text;
     bool type, mtm;
   } const rows[] = {
-      {"2468A1B",       true,  true },
-      {"abcdXYZ",       true,  true },
-      {"2468   ",       true,  true }, // a model of blanks
-      {"2468 1 ",       true,  true },
-      {"2468A1B-]x",    true,  true },
-      {"2468-1B",       true,  false},
-      {"2468A1",        true,  false},
-      {"2468",          true,  false},
-      {"867",           false, false},
-      {"",              false, false},
-      {"867 A1B",       false, false},
-      {" 2468A1",       false, false},
-      {"86-1A1B",       false, false},
-      {"\xe4"
-       "671A1B", false, false},
-      {"2468\tA1",      true,  false},
+      {"2468A1B",    true,  true },
+      {"abcdXYZ",    true,  true },
+      {"2468   ",    true,  true }, // a model of blanks
+      {"2468 1 ",    true,  true },
+      {"2468A1B-]x", true,  true },
+      {"2468-1B",    true,  false},
+      {"2468A1",     true,  false},
+      {"2468",       true,  false},
+      {"246",        false, false},
+      {"",           false, false},
+      {"246 A1B",    false, false},
+      {" 2468A1",    false, false},
+      {"86-1A1B",    false, false},
+      {"\xe4zz1A1B", false, false},
+      {"2468\tA1",   true,  false},
   };
   for (const auto& row : rows) {
-    EXPECT_EQ(row.type, TCIMSchemaHelper::IsValidMachineType(row.text)) << row.text;
-    EXPECT_EQ(row.mtm, TCIMSchemaHelper::IsValidMTM(row.text)) << row.text;
+    EXPECT_EQ(row.type, Helper::IsValidMachineType(row.text)) << row.text;
+    EXPECT_EQ(row.mtm, Helper::IsValidMTM(row.text)) << row.text;
   }
 }
 
@@ -259,62 +244,53 @@ TEST(GetMTM, FindsMachineTypeAndModelInTheProductName) {
     SCOPED_TRACE(row.product);
     const auto machine = Product(row.product);
     ClearLog();
-    EXPECT_EQ(row.mtm, TCIMSchemaHelper::GetMTM(machine->Container()));
+    EXPECT_EQ(row.mtm, Helper::GetMTM(machine->Container()));
     EXPECT_EQ("TCIMSchemaHelper- Detected MTM " + std::string(row.mtm), LastLogLine());
     EXPECT_EQ(zelLogDebug, LastLogSeverity());
     EXPECT_EQ(1u, LogLines().size());
-    EXPECT_EQ(row.type, TCIMSchemaHelper::GetMachineType(machine->Container()));
-    EXPECT_EQ(row.model, TCIMSchemaHelper::GetModelNumber(machine->Container()));
+    EXPECT_EQ(row.type, Helper::GetMachineType(machine->Container()));
+    EXPECT_EQ(row.model, Helper::GetModelNumber(machine->Container()));
   }
 }
 
 TEST(GetMTM, RefusesATextThatPassesNoRule) {
   SetLogThreshold(zelLogDebug);
-  for (const char* product : {"", "   ", "Box", "To be filled in", "-2468A1B", "867", "Box -[86]-",
+  for (const char* product : {"", "   ", "Box", "To be filled in", "-2468A1B", "246", "Box -[86]-",
                               "KVR-[R]9000 Rack-[4190A1B", "KVR-[R]9000 Rack-[41?0A1B]-"}) {
     SCOPED_TRACE(product);
     const auto machine = Product(product);
     ClearLog();
-    EXPECT_EQ("zelStatusInvalidFormat",
-              StatusOf([&] { TCIMSchemaHelper::GetMTM(machine->Container()); }));
+    EXPECT_EQ("zelStatusInvalidFormat", StatusOf([&] { Helper::GetMTM(machine->Container()); }));
     EXPECT_THAT(LogLines(zelLogDebug), ElementsAre("TCIMSchemaHelper: no MTM recognised"));
     EXPECT_EQ("zelStatusInvalidFormat",
-              StatusOf([&] { TCIMSchemaHelper::GetMachineType(machine->Container()); }));
+              StatusOf([&] { Helper::GetMachineType(machine->Container()); }));
     EXPECT_EQ("zelStatusInvalidFormat",
-              StatusOf([&] { TCIMSchemaHelper::GetModelNumber(machine->Container()); }));
+              StatusOf([&] { Helper::GetModelNumber(machine->Container()); }));
   }
 }
 
 TEST(GetRawMTMString, PrefersTheFirmwaresWord) {
   const auto firmware = [](const TCIMValue& mtm) {
     auto machine = Product("Product");
-    machine->Tell("KVRSG_SystemBIOSElement", {
-                                                 {"MachineTypeModel", mtm}
-    });
+    machine->Tell("KVRSG_SystemBIOSElement", "MachineTypeModel", mtm);
     return machine;
   };
-  const auto raw = [](Machine& machine) {
-    return TCIMSchemaHelper::GetRawMTMString(machine.Container());
-  };
+  const auto raw = [](Machine& machine) { return Helper::GetRawMTMString(machine.Container()); };
   EXPECT_EQ("2468A1B ", raw(*firmware(String("2468A1B "))));
   EXPECT_EQ("", raw(*firmware(String(""))));
-  EXPECT_EQ("Product", raw(*firmware(NullString())));
-  EXPECT_EQ("2468A1B", TCIMSchemaHelper::GetMTM(firmware(String("2468A1B"))->Container()));
+  EXPECT_EQ("Product", raw(*firmware(NullOf(String("")))));
+  EXPECT_EQ("2468A1B", Helper::GetMTM(firmware(String("2468A1B"))->Container()));
 
   const auto withoutProperty = Product("Product");
-  withoutProperty->Tell("KVRSG_SystemBIOSElement", {});
+  withoutProperty->Add(withoutProperty->Declare("KVRSG_SystemBIOSElement"));
   EXPECT_EQ("Product", raw(*withoutProperty));
 
   const auto withoutInstance = Product("Product");
   TCIMClass* element =
-      withoutInstance->Declare("KVRSG_SystemBIOSElement", {
-                                                              {"MachineTypeModel", NullString()}
-  });
+      withoutInstance->Declare("KVRSG_SystemBIOSElement", "MachineTypeModel", NullOf(String("")));
   EXPECT_EQ("Product", raw(*withoutInstance));
-  withoutInstance->Add(element, {});
-  withoutInstance->Add(element, {
-                                    {"MachineTypeModel", String("2468A1B")}
-  });
+  withoutInstance->Add(element);
+  withoutInstance->Add(element, "MachineTypeModel", String("2468A1B"));
   EXPECT_EQ("2468A1B", raw(*withoutInstance));
 
   SetLogThreshold(zelLogDebug);
@@ -335,8 +311,7 @@ TEST(GetSerialNumber, TakesLettersAndDigitsWithoutTrailingBlanks) {
       {"KVR 123",    nullptr     },
       {" KVR123",    nullptr     },
       {"KV-1",       nullptr     },
-      {"\xc3\xa4"
-       "12",  nullptr     },
+      {"\xc3\xa4zz", nullptr     },
       {"",           nullptr     },
       {"    ",       nullptr     },
   };
@@ -344,13 +319,11 @@ TEST(GetSerialNumber, TakesLettersAndDigitsWithoutTrailingBlanks) {
   for (const auto& row : rows) {
     SCOPED_TRACE(row.raw);
     Machine machine;
-    machine.Tell("KVRSG_ComputerSystem", {
-                                             {"SerialNumber", String(row.raw)}
-    });
+    machine.Tell(kSystem, "SerialNumber", String(row.raw));
     ClearLog();
     std::string serial;
     const std::string status =
-        StatusOf([&] { serial = TCIMSchemaHelper::GetSerialNumber(machine.Container()); });
+        StatusOf([&] { serial = Helper::GetSerialNumber(machine.Container()); });
     if (row.serial) {
       EXPECT_EQ("zelStatusOK", status);
       EXPECT_EQ(row.serial, serial);
@@ -382,14 +355,12 @@ TEST(GetDataSourceVersion, HasThreeParts) {
   for (const auto& row : rows) {
     SCOPED_TRACE(row.version);
     Machine machine;
-    machine.Tell("KVRSG_VNTProduct", {
-                                         {"Version", String(row.version)}
-    });
-    EXPECT_EQ(row.major, TCIMSchemaHelper::GetDataSourceMajorVersion(machine.Container()));
-    EXPECT_EQ(row.minor, TCIMSchemaHelper::GetDataSourceMinorVersion(machine.Container()));
-    EXPECT_EQ(row.build, TCIMSchemaHelper::GetDataSourceBuildVersion(machine.Container()));
+    machine.Tell(kProduct, "Version", String(row.version));
+    EXPECT_EQ(row.major, Helper::GetDataSourceMajorVersion(machine.Container()));
+    EXPECT_EQ(row.minor, Helper::GetDataSourceMinorVersion(machine.Container()));
+    EXPECT_EQ(row.build, Helper::GetDataSourceBuildVersion(machine.Container()));
   }
   Machine empty;
   EXPECT_EQ("zelStatusNotFound",
-            StatusOf([&] { TCIMSchemaHelper::GetDataSourceBuildVersion(empty.Container()); }));
+            StatusOf([&] { Helper::GetDataSourceBuildVersion(empty.Container()); }));
 }
