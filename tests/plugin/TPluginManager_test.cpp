@@ -300,4 +300,15 @@ TEST(PluginManager, InitializesWhatIsPending) {
   EXPECT_EQ(2u, TPluginManager::GetInstance()->GetPluginsContainer().size());
 }
 
+TEST(PluginManager, SwallowsWhateverInitThrows) {
+  TPluginManager::Initialize("/nowhere");
+  zelPluginCallbacks table{nullptr, [](TCPluginCallbacks*) -> zelStatusCode { throw 42; },
+                           nullptr, nullptr,
+                           NoName,  nullptr};
+  TCPluginCallbacks* plugin = nullptr;
+  zelRegisterPlugin(&table, &plugin);
+  TPluginManager::GetInstance()->InitializeProviders("/some/path.pi.so");
+  EXPECT_FALSE(TPluginManager::GetInstance()->GetPluginsContainer().front()->IsInitialized());
+}
+
 }  // namespace
