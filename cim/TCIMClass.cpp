@@ -10,7 +10,7 @@ TCIMClass::TCIMClass(TContainer& container, const std::string& name, TCIMClass* 
 TCIMClass::~TCIMClass() = default;
 
 void TCIMClass::Validate() const { fBody->Validate(); }
-void TCIMClass::AddToContainer() const { fBody->AddToContainer(const_cast<TCIMClass&>(*this)); }
+void TCIMClass::AddToContainer() const { fBody->AddToContainer(); }
 TContainer* TCIMClass::GetContainer() const { return fBody->GetContainer(); }
 const std::string& TCIMClass::GetName() const { return fBody->GetName(); }
 TCIMClass* TCIMClass::GetSuperClass() const { return fBody->GetSuperClass(); }

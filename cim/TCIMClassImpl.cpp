@@ -2,7 +2,7 @@
 
 #include <algorithm>
 #include <boost/make_shared.hpp>
-#include <cassert>
+#include <utility>
 
 #include "cim/OrNotFound.h"
 #include "cim/TCIMInstanceImpl.h"
@@ -55,15 +55,11 @@ TCIMClassImpl::TCIMClassImpl(TCIMClass* owner, TContainer* container, const std:
       fSuperClass(superClass ? superClass : container->GetRootClass()),
       fAdded(false) {
   if (!superClass) {
-    fDecls = boost::make_shared<TPropertyDecls>();
+    fTable = boost::make_shared<TDeclTable>();
     return;
   }
-  fDecls = Body(*superClass).fDecls;
+  fTable = Body(*superClass).fTable;
   fQualifiers.InheritFrom(Body(*superClass).fQualifiers);
-}
-
-TCIMClassImpl::~TCIMClassImpl() {
-  if (fAdded) LeaveOtherClasses();
 }
 
 void TCIMClassImpl::Unlink() {
@@ -73,8 +69,8 @@ void TCIMClassImpl::Unlink() {
   fAdded = false;
 }
 
-// What pointed at this class points at its superclass afterwards.
 void TCIMClassImpl::LeaveOtherClasses() {
+  if (!fAdded) return;
   TCIMClassImpl& superClass = Body(*fSuperClass);
   superClass.RemoveChildClass(*fOwner);
   for (TCIMClass* child : fSubClasses) {
@@ -86,46 +82,49 @@ void TCIMClassImpl::LeaveOtherClasses() {
     std::vector<TCIMClass*>& remembered = Body(*association).fAssociated;
     remembered.erase(std::remove(remembered.begin(), remembered.end(), fOwner), remembered.end());
   }
+  Unlink();
 }
 
 void TCIMClassImpl::Validate() const {
   if (IsAbstract()) return;
-  const bool hasKey = std::any_of(fDecls->begin(), fDecls->end(), [](const auto& entry) {
-    return entry.second->GetBody()->IsKey();
-  });
+  const bool hasKey =
+      std::any_of(fTable->decls.begin(), fTable->decls.end(),
+                  [](const auto& entry) { return entry.second->GetBody()->IsKey(); });
   if (!hasKey) Fail(zelStatusInvalidClass, Text("Class ", fName, " has no keys"));
 }
 
-void TCIMClassImpl::AddToContainer(TCIMClass& handle) {
-  handle.Validate();
+void TCIMClassImpl::AddToContainer() {
+  fOwner->Validate();
   const bool isAssociation = IsAssociation();  // may throw: nothing is registered yet
-  fContainer->AddClass(handle);
-  fOwner = &handle;
-  Body(*fSuperClass).AddChildClass(handle);
+  fContainer->AddClass(*fOwner);
+  Body(*fSuperClass).AddChildClass(*fOwner);
   fAdded = true;
   if (isAssociation) LinkAssociatedClasses();
 }
 
 // Records the association on the most general ones of the classes that it refers to.
 void TCIMClassImpl::LinkAssociatedClasses() {
-  std::vector<TCIMClass*> general;
-  for (const auto& [key, decl] : *fDecls) {
+  const auto byName = [](const TCIMClass* a, const TCIMClass* b) { return *a < *b; };
+  std::set<TCIMClass*, decltype(byName)> referenced(byName);
+  for (const auto& [key, decl] : fTable->decls) {
     const TCIMValue& value = decl->GetBody()->Value();
-    TCIMClass* cls = value.IsReference() ? value.GetReferencedClass() : nullptr;
-    const auto covers = [cls](const TCIMClass* other) { return cls->IsSubclassOf(other); };
-    if (!cls || std::any_of(general.begin(), general.end(), covers)) continue;
-    const auto isCovered = [cls](const TCIMClass* other) { return other->IsSubclassOf(cls); };
-    general.erase(std::remove_if(general.begin(), general.end(), isCovered), general.end());
-    general.push_back(cls);
+    if (value.IsReference() && value.GetReferencedClass()) {
+      referenced.insert(value.GetReferencedClass());
+    }
   }
-  for (TCIMClass* cls : general) Body(*cls).AddAssociationClass(*fOwner);
-  fAssociated = general;
+  for (TCIMClass* cls : referenced) {
+    TCIMClass* above = cls->GetSuperClass();
+    while (above && referenced.count(above) == 0) above = above->GetSuperClass();
+    if (above) continue;
+    Body(*cls).AddAssociationClass(*fOwner);
+    fAssociated.push_back(cls);
+  }
 }
 
 bool TCIMClassImpl::IsSubclassOf(const TCIMClass* other) const {
   if (!other) return false;
   const TCIMClassImpl* cls = this;
-  while (!cls->IsRootClass() && cls->fName != other->GetName()) cls = &Body(*cls->fSuperClass);
+  while (cls->fSuperClass && cls->fName != other->GetName()) cls = &Body(*cls->fSuperClass);
   return cls->fName == other->GetName();
 }
 
@@ -151,7 +150,7 @@ void TCIMClassImpl::AddPropertyDecl(TCIMPropertyDecl& decl) {
     Fail(zelStatusAlreadyExists,
          Text("Attempt to add property ", name, " to class ", fName, ": already exists"));
   }
-  OwnDecls()[key].reset(&decl);
+  if (existing != &decl) OwnDecls()[key].reset(&decl);
 }
 
 void TCIMClassImpl::CheckOverride(const TCIMPropertyDecl& decl,
@@ -162,16 +161,19 @@ void TCIMClassImpl::CheckOverride(const TCIMPropertyDecl& decl,
   };
   if (!existing) refuse(zelStatusNotFound, "property doesn't exist in base class");
   if (existing->GetType() != decl.GetType()) refuse(zelStatusTypeMismatch, "different types");
-  if (*existing->GetClass() == *fOwner) {
+  if (existing->GetClass()->GetName() == fName) {
     refuse(zelStatusAlreadyExists, "original was defined in this class");
   }
 }
 
 // The declarations, to be changed: not shared, and the layout forgotten.
 TPropertyDecls& TCIMClassImpl::OwnDecls() {
-  if (fDecls.use_count() > 1) fDecls = boost::make_shared<TPropertyDecls>(*fDecls);
-  fLayout.reset();
-  return *fDecls;
+  if (fTable.use_count() > 1) {
+    const auto shared = std::exchange(fTable, boost::make_shared<TDeclTable>());
+    fTable->decls = shared->decls;
+  }
+  fTable->layout.reset();
+  return fTable->decls;
 }
 
 TCIMPropertyDecl* TCIMClassImpl::GetPropertyDecl(const std::string& name) const {
@@ -180,20 +182,20 @@ TCIMPropertyDecl* TCIMClassImpl::GetPropertyDecl(const std::string& name) const 
 
 TCIMPropertyDecl* TCIMClassImpl::FindPropertyDecl(const std::string& name) const {
   CheckName(name);
-  const auto found = fDecls->find(name);
-  return found == fDecls->end() ? nullptr : found->second.get();
+  const auto found = fTable->decls.find(name);
+  return found == fTable->decls.end() ? nullptr : found->second.get();
 }
 
 std::vector<TCIMPropertyDecl const*> TCIMClassImpl::EnumeratePropertyDecls() const {
   std::vector<TCIMPropertyDecl const*> decls;
-  decls.reserve(fDecls->size());
-  for (const auto& [key, decl] : *fDecls) decls.push_back(decl.get());
+  decls.reserve(fTable->decls.size());
+  for (const auto& [key, decl] : fTable->decls) decls.push_back(decl.get());
   return decls;
 }
 
 void TCIMClassImpl::RemovePropertyDecl(TCIMPropertyDecl& decl) {
   const std::string key = TContainerImpl::NormalizeName(decl.GetName());
-  if (fDecls->count(key) == 0) Fail(zelStatusNotFound);
+  if (fTable->decls.count(key) == 0) Fail(zelStatusNotFound);
   OwnDecls().erase(key);
 }
 
@@ -206,10 +208,11 @@ std::vector<std::string> TCIMClassImpl::EnumerateKeyNames() const {
 }
 
 const boost::shared_ptr<const TPropertyLayout>& TCIMClassImpl::Layout() const {
-  if (!fLayout || !fLayout->IsCurrent()) {
-    fLayout = boost::make_shared<const TPropertyLayout>(*fDecls);
+  boost::shared_ptr<const TPropertyLayout>& layout = fTable->layout;
+  if (!layout || !layout->IsCurrent()) {
+    layout = boost::make_shared<const TPropertyLayout>(fTable->decls);
   }
-  return fLayout;
+  return layout;
 }
 
 void TCIMClassImpl::AddInstance(TCIMInstance& instance) {

@@ -18,17 +18,18 @@ class ZEL_API TCIMClassImpl : public TCIMElementImpl {
  public:
   TCIMClassImpl(TCIMClass* owner, TContainer* container, const std::string& name,
                 TCIMClass* superClass);
-  ~TCIMClassImpl() override;
   TCIMClassImpl(const TCIMClassImpl&) = delete;
   TCIMClassImpl& operator=(const TCIMClassImpl&) = delete;
 
   void Validate() const override;
   TContainer* GetContainer() const override { return fContainer; }
 
-  // Registers the class and links it to its superclass and to the classes that it associates;
-  // `handle` is taken over.
-  void AddToContainer(TCIMClass& handle);
-  // Cuts all links to other classes, which may go in any order afterwards.
+  // Registers the class and links it to its superclass and to the classes that it associates.
+  void AddToContainer();
+  // To be called before a registered class goes. Undoes these links: what pointed at this class
+  // points at its superclass afterwards.
+  void LeaveOtherClasses();
+  // Forgets all links to other classes, which may go in any order afterwards.
   void Unlink();
 
   const std::string& GetName() const { return fName; }
@@ -59,23 +60,28 @@ class ZEL_API TCIMClassImpl : public TCIMElementImpl {
   void AddChildClass(TCIMClass& child);
   void RemoveChildClass(TCIMClass& child);
   void AddAssociationClass(TCIMClass& association);
+  const std::set<TCIMClass*>& GetAssociationClasses() const { return fAssociationClasses; }
 
  private:
+  // Shared with the superclass until the declarations of one of the two change.
+  struct TDeclTable {
+    TPropertyDecls decls;
+    boost::shared_ptr<const TPropertyLayout> layout;  // null: to be worked out
+  };
+
   void CheckOverride(const TCIMPropertyDecl& decl, const TCIMPropertyDecl* existing) const;
   TPropertyDecls& OwnDecls();
   void LinkAssociatedClasses();
-  void LeaveOtherClasses();
 
-  TCIMClass* fOwner;  // the handle that made this, or that was registered
+  TCIMClass* fOwner;  // the handle that made this; it must live for as long as this is registered
   TContainer* fContainer;
   std::string fName;
   TCIMClass* fSuperClass;  // null for the root class only
   TQualifierSet fQualifiers;
-  boost::shared_ptr<TPropertyDecls> fDecls;  // shared with the superclass until one of them changes
+  boost::shared_ptr<TDeclTable> fTable;
   std::vector<TCIMClass*> fSubClasses;       // in the order in which they were added
   std::set<TCIMClass*> fAssociationClasses;  // those that refer to this class
   std::vector<TCIMClass*> fAssociated;       // the classes whose set this association is in
   TInstanceRegistry fInstances;
   bool fAdded;
-  mutable boost::shared_ptr<const TPropertyLayout> fLayout;  // null: to be worked out
 };

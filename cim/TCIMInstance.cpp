@@ -19,9 +19,7 @@ TCIMInstance::~TCIMInstance() = default;
 void TCIMInstance::Validate() const { fBody->Validate(); }
 
 void TCIMInstance::AddToContainer() const {
-  if (fBody->IsAdded()) return;
-  Validate();
-  GetClass()->AddInstance(const_cast<TCIMInstance&>(*this));
+  fBody->AddToContainer(const_cast<TCIMInstance&>(*this));
 }
 
 TContainer* TCIMInstance::GetContainer() const { return fBody->GetContainer(); }

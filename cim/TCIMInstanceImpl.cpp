@@ -65,6 +65,12 @@ void TCIMInstanceImpl::Validate() const {
   }
 }
 
+void TCIMInstanceImpl::AddToContainer(TCIMInstance& handle) {
+  if (fAdded) return;
+  handle.Validate();
+  fClass->AddInstance(handle);
+}
+
 TCIMProperty* TCIMInstanceImpl::GetProperty(const std::string& name) const {
   return OrNotFound(FindProperty(name));
 }
@@ -124,7 +130,10 @@ bool TCIMInstanceImpl::HasPlainPath(const TPropertyLayout& current) const {
 bool TCIMInstanceImpl::operator==(const TCIMInstanceImpl& other) const {
   if (fClass != other.fClass || fLayout->Size() != other.fLayout->Size()) return false;
   for (std::size_t slot = 0; slot < fLayout->Size(); ++slot) {
-    if (!(fProperties[slot] == other.fProperties[slot])) return false;
+    if (fLayout->Key(slot) != other.fLayout->Key(slot) ||
+        !(fProperties[slot] == other.fProperties[slot])) {
+      return false;
+    }
   }
   return true;
 }

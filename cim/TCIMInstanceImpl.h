@@ -2,6 +2,7 @@
 
 #include <boost/shared_ptr.hpp>
 #include <cstddef>
+#include <functional>
 #include <string>
 #include <vector>
 
@@ -23,8 +24,11 @@ class ZEL_API TCIMInstanceImpl : public TCIMElementImpl {
 
   void Validate() const override;
   TContainer* GetContainer() const override;
+  TCIMInstance* GetOwner() const { return fOwner; }
   TCIMClass* GetClass() const { return fClass; }
 
+  // Unless a class has it, validates `handle`, derived classes first, and hands it to the class.
+  void AddToContainer(TCIMInstance& handle);
   // Whether a class has taken the instance.
   bool IsAdded() const { return fAdded; }
   void SetAdded() { fAdded = true; }
@@ -38,7 +42,9 @@ class ZEL_API TCIMInstanceImpl : public TCIMElementImpl {
   std::string BuildPathText() const;
 
   bool operator==(const TCIMInstanceImpl& other) const;
-  bool operator<(const TCIMInstanceImpl& other) const { return fClass < other.fClass; }
+  bool operator<(const TCIMInstanceImpl& other) const {
+    return std::less<>()(fClass, other.fClass);
+  }
 
  private:
   // One allocation: the properties in the order of the layout's slots, and their bodies behind.

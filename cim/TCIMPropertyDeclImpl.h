@@ -13,6 +13,7 @@ class ZEL_API TCIMPropertyDeclImpl {
   TCIMPropertyDeclImpl(TCIMPropertyDecl* owner, const std::string& name, TCIMClass* cls,
                        const TCIMValue& value);
 
+  TCIMPropertyDecl* GetOwner() const { return fOwner; }
   const std::string& GetName() const { return fName; }
   void SetName(const std::string& name);
   const TCIMValue& Value() const { return fValue; }

@@ -11,6 +11,9 @@ using zelcore::detail::Fail;
 using zelcore::detail::Text;
 using zelcore::detail::TypeText;
 
+// Documents hold millions of them.
+static_assert(sizeof(TCIMPropertyImpl) <= 64);
+
 namespace {
 
 // The default value of a declaration, to be read without a copy.
@@ -54,11 +57,15 @@ const TCIMValue& TCIMPropertyImpl::Value() const {
 
 void TCIMPropertyImpl::SetValue(const TCIMValue& value) {
   Check("SetValue", value);
-  SetValue(TCIMValue(value));
+  ReplaceValue(TCIMValue(value));
 }
 
 void TCIMPropertyImpl::SetValue(TCIMValue&& value) {
   Check("SetValue", value);
+  ReplaceValue(std::move(value));
+}
+
+void TCIMPropertyImpl::ReplaceValue(TCIMValue&& value) {
   TCIMValue taken(std::move(value));
   fValue.Swap(taken);
   fHasValue = true;
@@ -72,10 +79,7 @@ const TCIMValue& TCIMPropertyImpl::PrevValue() const {
 // sic: unlike SetValue(), any NULL passes.
 void TCIMPropertyImpl::SetPrevValue(const TCIMValue& value) {
   if (!value.IsNull()) Check("SetPrevValue", value);
-  // Not a copy of an untyped value: that cannot be made.
-  auto copy = std::make_unique<TCIMValue>();
-  if (value.GetType() != TCIMValue::TCIMType::TypeNone) *copy = value;
-  fPrevValue = std::move(copy);
+  fPrevValue = std::make_unique<TCIMValue>(value);
   fPrevDiffers = true;
 }
 

@@ -19,6 +19,7 @@ class ZEL_API TCIMPropertyImpl {
   // Takes the declaration and the values of `other`.
   void Take(TCIMPropertyImpl&& other);
 
+  TCIMProperty* GetOwner() const { return fOwner; }
   const TCIMPropertyDecl* GetDeclaration() const { return fDeclaration; }
   // The own value, or the declaration's default.
   const TCIMValue& Value() const;
@@ -32,6 +33,7 @@ class ZEL_API TCIMPropertyImpl {
 
  private:
   void Check(const char* operation, const TCIMValue& value) const;
+  void ReplaceValue(TCIMValue&& value);
 
   TCIMProperty* fOwner;
   const TCIMPropertyDecl* fDeclaration;  // kept alive by its class

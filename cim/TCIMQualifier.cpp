@@ -3,6 +3,7 @@
 #include <boost/make_shared.hpp>
 
 #include "cim/Names.h"
+#include "cim/SchemaChanges.h"
 #include "cim/TCIMQualifierImpl.h"
 
 using zelcore::detail::HaveEqualNames;
@@ -19,6 +20,7 @@ TCIMQualifier::TCIMQualifier(const TCIMQualifier& other)
     : fBody(boost::make_shared<TCIMQualifierImpl>(*other.fBody)) {}
 
 TCIMQualifier& TCIMQualifier::operator=(const TCIMQualifier& other) {
+  zelcore::detail::TSchemaChanges::Note();
   fBody = boost::make_shared<TCIMQualifierImpl>(*other.fBody);
   return *this;
 }

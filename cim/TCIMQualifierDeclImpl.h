@@ -16,6 +16,7 @@ class ZEL_API TCIMQualifierDeclImpl {
   // A copy of `other` for another container; the owner stays.
   TCIMQualifierDeclImpl(const TCIMQualifierDeclImpl& other, TContainer* container);
 
+  TCIMQualifierDecl* GetOwner() const { return fOwner; }
   const std::string& GetName() const { return fName; }
   void SetName(const std::string& name) { fName = name; }
   const TCIMValue& Value() const { return fValue; }

@@ -15,12 +15,14 @@ TCIMReference::TCIMReference(const TContainer* container, const std::string& pat
 }
 
 TCIMReference::TCIMReference(const TCIMReference& other)
-    : fBody(boost::make_shared<TCIMReferenceImpl>(*other.fBody)) {}
+    : fBody(boost::make_shared<TCIMReferenceImpl>(this, *other.fBody)) {}
 
-TCIMReference::TCIMReference(TCIMReference&& other) noexcept : fBody(std::move(other.fBody)) {}
+TCIMReference::TCIMReference(TCIMReference&& other) noexcept : fBody(std::move(other.fBody)) {
+  fBody->SetOwner(this);
+}
 
 TCIMReference& TCIMReference::operator=(const TCIMReference& other) {
-  fBody = boost::make_shared<TCIMReferenceImpl>(*other.fBody);
+  fBody = boost::make_shared<TCIMReferenceImpl>(this, *other.fBody);
   return *this;
 }
 
@@ -34,7 +36,7 @@ std::string TCIMReference::GetClassName() const { return fBody->GetClass()->GetN
 void TCIMReference::SetClassName(const std::string& name) { fBody->SetClassName(name); }
 void TCIMReference::SetClass(TCIMClass& cls) { fBody->SetClass(cls); }
 void TCIMReference::AddKeyValue(const std::string& name, const TCIMValue& value) {
-  fBody->AddKeyValue(name, TCIMValue(value));
+  fBody->AddKeyValue(name, value);
 }
 void TCIMReference::AddKeyValue(const std::string& name, TCIMValue&& value) {
   fBody->AddKeyValue(name, std::move(value));

@@ -1,6 +1,7 @@
 #include "cim/TCIMReferenceImpl.h"
 
-#include <algorithm>
+#include <functional>
+#include <utility>
 
 #include "cim/OrNotFound.h"
 #include "cim/TCIMPropertyDeclImpl.h"
@@ -30,6 +31,11 @@ bool IsKey(const TCIMPropertyDecl& decl) {
 
 TCIMReferenceImpl::TCIMReferenceImpl(TCIMReference* owner, const TContainer* container)
     : fOwner(owner), fContainer(container), fClass(nullptr), fElement(nullptr) {}
+
+TCIMReferenceImpl::TCIMReferenceImpl(TCIMReference* owner, const TCIMReferenceImpl& other)
+    : TCIMReferenceImpl(other) {
+  fOwner = owner;
+}
 
 void TCIMReferenceImpl::Clear() {
   fContainer = nullptr;
@@ -64,7 +70,18 @@ void TCIMReferenceImpl::SetClass(TCIMClass& cls) {
   fClass = &cls;
 }
 
+// The first value bound to a name stays.
+void TCIMReferenceImpl::AddKeyValue(const std::string& name, const TCIMValue& value) {
+  CheckKeyValue(name, value);
+  fBindings.try_emplace(name, value);
+}
+
 void TCIMReferenceImpl::AddKeyValue(const std::string& name, TCIMValue&& value) {
+  CheckKeyValue(name, value);
+  fBindings.try_emplace(name, std::move(value));
+}
+
+void TCIMReferenceImpl::CheckKeyValue(const std::string& name, const TCIMValue& value) const {
   if (!fClass) Fail(zelStatusInvalidOpSequence, "AddKeyValue() called before class set");
   const TCIMPropertyDecl& decl = *fClass->GetPropertyDecl(name);
   if (decl.GetType() != value.GetType()) {
@@ -74,24 +91,10 @@ void TCIMReferenceImpl::AddKeyValue(const std::string& name, TCIMValue&& value) 
   if (!IsKey(decl)) {
     Fail(zelStatusInvalidOpSequence, "AddKeyValue() called with a non-key property " + name);
   }
-  const auto place = std::find_if(fBindings.begin(), fBindings.end(),
-                                  [&](const auto& binding) { return !(binding.first < name); });
-  if (place != fBindings.end() && place->first == name) return;  // the first value stays
-  const auto index = place - fBindings.begin();
-  fBindings.emplace_back(name, std::move(value));
-  // Values have no moving assignment: the new binding is swapped down to its place.
-  for (auto i = fBindings.end() - 1; i != fBindings.begin() + index; --i) {
-    i->first.swap((i - 1)->first);
-    i->second.Swap((i - 1)->second);
-  }
-}
-
-std::map<std::string, TCIMValue> TCIMReferenceImpl::EnumerateKeyBindings() const {
-  return {fBindings.begin(), fBindings.end()};
 }
 
 std::string TCIMReferenceImpl::GetPath() const {
-  std::string path = fClass->GetName();
+  std::string path = GetClass()->GetName();
   char separator = '.';
   for (const auto& [name, value] : fBindings) {
     path += separator;

@@ -2,8 +2,6 @@
 
 #include <map>
 #include <string>
-#include <utility>
-#include <vector>
 
 #include "zelcore/TCIMReference.h"
 #include "zelcore/detail/Export.h"
@@ -11,6 +9,10 @@
 class ZEL_API TCIMReferenceImpl {
  public:
   TCIMReferenceImpl(TCIMReference* owner, const TContainer* container);
+  TCIMReferenceImpl(TCIMReference* owner, const TCIMReferenceImpl& other);
+
+  TCIMReference* GetOwner() const { return fOwner; }
+  void SetOwner(TCIMReference* owner) { fOwner = owner; }
 
   void SetContainer(TContainer* container) { fContainer = container; }
   void Clear();
@@ -20,8 +22,9 @@ class ZEL_API TCIMReferenceImpl {
   void SetClassName(const std::string& name);
   void SetClass(TCIMClass& cls);
 
+  void AddKeyValue(const std::string& name, const TCIMValue& value);
   void AddKeyValue(const std::string& name, TCIMValue&& value);
-  std::map<std::string, TCIMValue> EnumerateKeyBindings() const;
+  const std::map<std::string, TCIMValue>& EnumerateKeyBindings() const { return fBindings; }
   std::string GetPath() const;
   // `path` is the handle.
   ICIMElement* GetCIMElement(const TCIMReference& path) const;
@@ -30,9 +33,11 @@ class ZEL_API TCIMReferenceImpl {
   bool operator<(const TCIMReferenceImpl& other) const;
 
  private:
-  TCIMReference* fOwner;  // the handle that made this
+  void CheckKeyValue(const std::string& name, const TCIMValue& value) const;
+
+  TCIMReference* fOwner;  // the handle that holds this
   const TContainer* fContainer;
   TCIMClass* fClass;
-  std::vector<std::pair<std::string, TCIMValue>> fBindings;  // by the bytes of the names
-  mutable ICIMElement* fElement;                             // once found
+  std::map<std::string, TCIMValue> fBindings;
+  mutable ICIMElement* fElement;  // once found; not owned
 };

@@ -24,11 +24,11 @@ auto FindIn(const TRegistry& registry, const std::string& name) {
 }
 
 template <class TRegistry>
-void RemoveFrom(TRegistry& registry, const std::string& name) {
+auto GetFrom(TRegistry& registry, const std::string& name) {
   CheckName(name);
   const auto found = registry.find(name);
   if (found == registry.end()) Fail(zelStatusNotFound);
-  registry.erase(found);
+  return found;
 }
 
 // Duplicates are nobody's error until somebody says so: a debug line.
@@ -69,9 +69,17 @@ TCIMClass* TContainerImpl::FindClass(const std::string& name) const {
   return name.empty() ? fRootClass.get() : FindIn(fClasses, name);
 }
 
-void TContainerImpl::RemoveClass(TCIMClass& cls) { RemoveFrom(fClasses, cls.GetName()); }
+void TContainerImpl::RemoveClass(TCIMClass& cls) {
+  const auto found = GetFrom(fClasses, cls.GetName());
+  found->second->GetBody()->LeaveOtherClasses();
+  fClasses.erase(found);
+}
 
 void TContainerImpl::AddQualifierDecl(TCIMQualifierDecl& decl) {
+  const auto there = fQualifierDecls.find(decl.GetName());
+  if (there != fQualifierDecls.end() && there->second.get() == &decl) {
+    RefuseDuplicate("qualifier", decl.GetName());
+  }
   const boost::shared_ptr<TCIMQualifierDecl> owned(&decl);  // sic: a duplicate is destroyed
   if (!fQualifierDecls.emplace(NormalizeName(decl.GetName()), owned).second) {
     RefuseDuplicate("qualifier", decl.GetName());
@@ -94,7 +102,7 @@ std::vector<TCIMQualifierDecl*> TContainerImpl::EnumerateQualifiers() const {
 }
 
 void TContainerImpl::RemoveQualifierDecl(TCIMQualifierDecl& decl) {
-  RemoveFrom(fQualifierDecls, decl.GetName());
+  fQualifierDecls.erase(GetFrom(fQualifierDecls, decl.GetName()));
 }
 
 void TContainerImpl::CheckIsDiff() const {

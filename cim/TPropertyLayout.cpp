@@ -7,6 +7,7 @@
 #include "cim/TContainerImpl.h"
 
 using zelcore::detail::EqualsIgnoringAsciiCase;
+using zelcore::detail::TNameLess;
 using zelcore::detail::ToAsciiLower;
 using zelcore::detail::TSchemaChanges;
 
@@ -19,15 +20,23 @@ TPropertyLayout::TPropertyLayout(const TPropertyDecls& decls) : fChanges(TSchema
   fSlots.reserve(byName.size());
   for (const auto& [key, decl] : byName) fSlots.push_back({key, decl});
 
+  BuildIndex();
+  fStampSlot = Find("DateTimeOfCollection");
+}
+
+void TPropertyLayout::BuildIndex() {
+  constexpr std::size_t kMaxSteps = 64;
   std::size_t places = 4;
   while (places < 2 * fSlots.size()) places *= 2;
   fIndex.resize(places);
   for (std::size_t slot = 0; slot < fSlots.size(); ++slot) {
     std::size_t place = Hash(fSlots[slot].key) & (places - 1);
-    while (fIndex[place] != 0) place = (place + 1) & (places - 1);
+    for (std::size_t steps = 0; fIndex[place] != 0; ++steps) {
+      if (steps == kMaxSteps) return fIndex.clear();
+      place = (place + 1) & (places - 1);
+    }
     fIndex[place] = static_cast<std::uint32_t>(slot + 1);
   }
-  fStampSlot = Find("DateTimeOfCollection");
 }
 
 bool TPropertyLayout::IsCurrent() const { return fChanges == TSchemaChanges::Count(); }
@@ -39,6 +48,14 @@ std::uint32_t TPropertyLayout::Hash(std::string_view name) {
 }
 
 std::size_t TPropertyLayout::Find(std::string_view name) const {
+  if (fIndex.empty()) {
+    const auto isLess = [](const TSlot& slot, std::string_view key) {
+      return TNameLess()(slot.key, key);
+    };
+    const auto found = std::lower_bound(fSlots.begin(), fSlots.end(), name, isLess);
+    const bool isFound = found != fSlots.end() && EqualsIgnoringAsciiCase(found->key, name);
+    return isFound ? static_cast<std::size_t>(found - fSlots.begin()) : kNoSlot;
+  }
   const std::size_t mask = fIndex.size() - 1;
   for (std::size_t place = Hash(name) & mask; fIndex[place] != 0; place = (place + 1) & mask) {
     const std::size_t slot = fIndex[place] - 1;

@@ -27,6 +27,7 @@ class TPropertyLayout {
   bool IsCurrent() const;
 
   std::size_t Size() const { return fSlots.size(); }
+  const std::string& Key(std::size_t slot) const { return fSlots[slot].key; }
   const TCIMPropertyDecl& Decl(std::size_t slot) const { return *fSlots[slot].decl; }
   // Without regard to case; `name` need not be valid.
   std::size_t Find(std::string_view name) const;
@@ -45,11 +46,13 @@ class TPropertyLayout {
     boost::shared_ptr<TCIMPropertyDecl> decl;
   };
 
+  void BuildIndex();
   static std::uint32_t Hash(std::string_view name);
   void FindKeys() const;
 
   std::vector<TSlot> fSlots;
-  std::vector<std::uint32_t> fIndex;  // open addressing: slot plus 1, or 0
+  // Open addressing: slot plus 1, or 0. Empty when names crowd, as a hostile document can arrange.
+  std::vector<std::uint32_t> fIndex;
   std::size_t fStampSlot;
   std::uint64_t fChanges;
   mutable bool fKeysFound = false;
