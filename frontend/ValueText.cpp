@@ -30,6 +30,18 @@ nlohmann::ordered_json RealJson(double value, std::string text) {
   return text;
 }
 
+// The elements of a qualifier that is an array of strings; none for any other.
+std::vector<std::string> Strings(const TCIMPropertyDecl& decl, const char* qualifierName) {
+  const TCIMQualifier* qualifier = decl.FindQualifier(qualifierName);
+  if (!qualifier || qualifier->GetValue().IsNull() ||
+      qualifier->GetType() != (TType::TypeString | TType::TypeArray)) {
+    return {};
+  }
+  const TCIMValue value = qualifier->GetValue();
+  const std::vector<TCIMValue>& elements = value;
+  return {elements.begin(), elements.end()};
+}
+
 bool IsTrue(const TCIMQualifier* qualifier) {
   if (!qualifier || qualifier->GetType() != TType::TypeBoolean) return false;
   const TCIMValue value = qualifier->GetValue();
@@ -78,6 +90,30 @@ std::string ValueText(const TCIMValue& value) {
     return datetime.IsNull() ? "" : Iso8601(datetime);
   }
   return Printable(value.ToString(10));
+}
+
+std::string EnumerationText(const TCIMProperty& property) {
+  const std::string code = PropertyText(property);
+  const std::vector<std::string> words = Strings(*property.GetDeclaration(), "VALUES");
+  const std::vector<std::string> codes = Strings(*property.GetDeclaration(), "VALUEMAP");
+  for (std::size_t i = 0; i < words.size(); ++i) {
+    const std::string wordCode = i < codes.size() ? codes[i] : std::to_string(i);
+    if (wordCode == code) return Printable(words[i]);
+  }
+  return code;
+}
+
+std::string BytesText(unsigned long bytes) {
+  constexpr const char* kUnits[] = {"B", "KiB", "MiB", "GiB", "TiB", "PiB", "EiB"};
+  auto number = static_cast<double>(bytes);
+  std::size_t unit = 0;
+  while (number >= 1024 && unit + 1 < std::size(kUnits)) {
+    number /= 1024;
+    ++unit;
+  }
+  std::string text = fmt::format("{:.1f}", number);
+  if (text.size() > 2 && text.compare(text.size() - 2, 2, ".0") == 0) text.resize(text.size() - 2);
+  return fmt::format("{} {}", text, kUnits[unit]);
 }
 
 std::string MissingText(const TCIMProperty& property) {

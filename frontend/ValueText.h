@@ -13,6 +13,13 @@ namespace zel {
 // escaped. `value` must not be NULL.
 std::string ValueText(const TCIMValue& value);
 
+// The word that the value map of the declaration (VALUES, with or without VALUEMAP) has for the
+// property's value; the plain text where it has none. Ranges are not looked into.
+std::string EnumerationText(const TCIMProperty& property);
+
+// "16 GiB", "1.5 MiB", "512 B".
+std::string BytesText(unsigned long bytes);
+
 // Why a property is NULL: "needs root" when its declaration says so and this process is not root,
 // else "not available".
 std::string MissingText(const TCIMProperty& property);
