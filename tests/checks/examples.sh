@@ -26,9 +26,12 @@ cmake -S "$example" -B "$build" -DCMAKE_PREFIX_PATH="$work/installed" \
   ctest --test-dir "$build" --output-on-failure >>"$work/log" 2>&1 || { cat "$work/log"; exit 1; }
 
 # Without CMake.
+export PKG_CONFIG_PATH=$LD_LIBRARY_PATH/pkgconfig
+flags=$(pkg-config --define-variable=prefix="$work/installed" --cflags --libs zelcore)
 mkdir -p "$work/plugins/uptime"
-"${CC:-cc}" -std=gnu99 -shared -fPIC -fvisibility=hidden "$example/uptime.c" \
-  -I"$work/installed/include" -L"$LD_LIBRARY_PATH" -lzelcore -o "$work/plugins/uptime/libuptime.pi.so"
+# shellcheck disable=SC2086  # several flags
+"${CC:-cc}" -std=gnu99 -shared -fPIC -fvisibility=hidden "$example/uptime.c" $flags \
+  -o "$work/plugins/uptime/libuptime.pi.so"
 cp "$example/uptime.properties.xml" "$work/plugins/uptime/"
 exported=$(nm -D --defined-only "$work/plugins/uptime/libuptime.pi.so")
 [ -z "$exported" ] || { echo "the example exports: $exported"; exit 1; }
