@@ -12,8 +12,8 @@ class ZEL_API ICIMAllowQualifiers {
  public:
   virtual ~ICIMAllowQualifiers();
 
-  // Takes `qualifier`, made with `new`; an overridable one of its name is replaced. Over one that is
-  // not overridable: throws zelStatusNotOverridable when value or flavor differ, and otherwise
+  // Takes `qualifier`, made with `new`; an overridable one of its name is replaced. Over one that
+  // is not overridable: throws zelStatusNotOverridable when value or flavor differ, and otherwise
   // returns with `qualifier` still the caller's (the element's own is another object then).
   virtual void AddQualifier(TCIMQualifier& qualifier) = 0;
 

@@ -8,8 +8,8 @@
 #include "zelcore/zel.h"
 
 // Where the library, the plug-ins and the front end report what happens. Messages of severity Error
-// to Debug that pass the threshold are remembered; all that pass it are written to the log file once
-// there is one. Lower numbers are more severe.
+// to Debug that pass the threshold are remembered; all that pass it are written to the log file
+// once there is one. Lower numbers are more severe.
 class ZEL_API ILogger {
  public:
   struct TLogEntry {

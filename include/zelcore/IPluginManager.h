@@ -15,8 +15,8 @@ class ZEL_API IPluginManager {
  public:
   virtual ~IPluginManager();
 
-  // Loads every plug-in below the plug-in directory, in the system's order; one that fails is logged
-  // and passed over. Throws zelStatusFileSystemError when the directory cannot be read.
+  // Loads every plug-in below the plug-in directory, in the system's order; one that fails is
+  // logged and passed over. Throws zelStatusFileSystemError when the directory cannot be read.
   virtual void FindAndLoadPlugins() = 0;
 
   // Loads one library, initialises what it registers and reads its document into GetSchema(). Does

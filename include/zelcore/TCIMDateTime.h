@@ -63,7 +63,8 @@ class ZEL_API TCIMDateTime {
   std::string ToString() const;
   // "03/15/2004 14:25:30", or the parts of an interval that are not zero, "1 day 2 hours ".
   std::string ToUIString() const;
-  // Hours, minutes, seconds and milliseconds of an interval, "26:03:04.005"; "" for a point in time.
+  // Hours, minutes, seconds and milliseconds of an interval, "26:03:04.005"; "" for a point in
+  // time.
   std::string ToAbbrUIString() const;
 
   // Throw when either side is NULL or the two are not of one kind.

@@ -27,8 +27,9 @@ class ZEL_API TCIMProperty {
 
   // The own value, or the declaration's default.
   TCIMValue GetValue() const;
-  // Throws zelStatusTypeMismatch for a value (NULL ones included) of another type than declared, and
-  // for a reference to a class that is not a subclass of the declared one. The former value stays.
+  // Throws zelStatusTypeMismatch for a value (NULL ones included) of another type than declared,
+  // and for a reference to a class that is not a subclass of the declared one. The former value
+  // stays.
   void SetValue(const TCIMValue& value);
   void SetValue(TCIMValue&& value);
   // Whether there is no own value, so that the declaration's default shows.

@@ -30,7 +30,8 @@ class ZEL_API TCIMQualifier {
   TCIMValue GetValue() const;
   TCIMQualifierDecl::EFlavor GetFlavor() const;
 
-  // Whether it was inherited. Each of the three setters below makes the qualifier the element's own.
+  // Whether it was inherited. Each of the three setters below makes the qualifier the element's
+  // own.
   bool GetPropagated() const;
   void SetPropagated(bool propagated);
 

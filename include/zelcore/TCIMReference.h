@@ -38,15 +38,15 @@ class ZEL_API TCIMReference {
   // A class must be set.
   std::string GetClassName() const;
 
-  // Throws zelStatusInvalidOpSequence without a container or with bindings, zelStatusNotFound for an
-  // unknown class. An empty name gives the root class.
+  // Throws zelStatusInvalidOpSequence without a container or with bindings, zelStatusNotFound for
+  // an unknown class. An empty name gives the root class.
   void SetClassName(const std::string& name);
   // Throws zelStatusInvalidOpSequence when there are bindings. Leaves the container alone.
   void SetClass(TCIMClass& cls);
 
   // Binds a key property. The property is found without regard to case; the binding keeps `name` as
-  // it is passed, and the first value bound to a name stays. Throws zelStatusNotFound for an unknown
-  // property, zelStatusTypeMismatch for a value of another type than declared, and
+  // it is passed, and the first value bound to a name stays. Throws zelStatusNotFound for an
+  // unknown property, zelStatusTypeMismatch for a value of another type than declared, and
   // zelStatusInvalidOpSequence for a property that is no key or when no class is set.
   void AddKeyValue(const std::string& name, const TCIMValue& value);
   void AddKeyValue(const std::string& name, TCIMValue&& value);

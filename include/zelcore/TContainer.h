@@ -17,9 +17,9 @@ class TContainerImpl;
 //
 // All classes hang below a hidden root class; walk them with GetRootClass()->EnumerateSubClasses().
 // Names are compared without regard to case. Every operation that takes a name throws
-// zelStatusInvalidCIMName for one that is not a letter or underscore followed by letters, digits and
-// underscores (ASCII; the empty name passes). Copies of the handle share one container; the handle
-// that made it must outlive the objects in it. One thread at a time.
+// zelStatusInvalidCIMName for one that is not a letter or underscore followed by letters, digits
+// and underscores (ASCII; the empty name passes). Copies of the handle share one container; the
+// handle that made it must outlive the objects in it. One thread at a time.
 class ZEL_API TContainer {
  public:
   TContainer();

@@ -7,8 +7,8 @@
 #include "zelcore/ILogger.h"
 #include "zelcore/detail/Export.h"
 
-// The process's logger. The front end makes it with Initialize() before anything else and may delete
-// it at the end, which writes the log file's closing banner.
+// The process's logger. The front end makes it with Initialize() before anything else and may
+// delete it at the end, which writes the log file's closing banner.
 class ZEL_API TLogger : public ILogger {
  public:
   // Makes the logger and returns 0. A second call replaces the pointer; the first logger is neither

@@ -11,8 +11,8 @@
 #include "zelcore/TContainer.h"
 #include "zelcore/detail/Export.h"
 
-// The process's plug-in manager; made by the front end, after the logger, and never destroyed by the
-// library.
+// The process's plug-in manager; made by the front end, after the logger, and never destroyed by
+// the library.
 class ZEL_API TPluginManager : public IPluginManager {
  public:
   class ZEL_API TPlugin : public IPlugin {

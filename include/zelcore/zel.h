@@ -96,7 +96,7 @@ typedef enum zelLogSeverity {
   zelLogWarning = 1,
   zelLogStatus = 2,
   zelLogDebug = 3,
-  zelLogVerbose = 4,      /* written to the log file only, never remembered */
+  zelLogVerbose = 4,     /* written to the log file only, never remembered */
   zelLogMemoryOnly = 100 /* remembered whatever the threshold, never written */
 #ifdef __cplusplus
 };
