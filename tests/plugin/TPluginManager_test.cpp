@@ -182,6 +182,25 @@ TEST(PluginManager, ListsBothPluginsOfOneLibraryInOrder) {
   EXPECT_EQ("zelStatusFail", StatusOf([&] { second.GetClassesCollected(); }));
 }
 
+TEST(PluginManager, LeavesRegistrationsPendingAfterADocumentThatFails) {
+  const PluginDir plugins;
+  const std::string path = plugins.Install("twins");
+  std::filesystem::remove(plugins.Files().PathOf("twins/twins.properties.xml"));
+  EXPECT_EQ("zelStatusFileNotFound", StatusOf([&] { PluginDir::Manager().LoadPlugin(path); }));
+  EXPECT_EQ(Lines{"first twin"}, ListedNames());
+  plugins.Load("paper");  // gives up the second twin
+  EXPECT_EQ((Lines{"first twin", "paper"}), ListedNames());
+}
+
+TEST(PluginManager, LoadsALibraryWhoseNameHasNoDocument) {
+  const PluginDir plugins;
+  const std::string path = plugins.Files().PathOf("good/plain.pi.so.bak");
+  std::filesystem::rename(plugins.Install("good"), path);
+  EXPECT_EQ("zelStatusFail", StatusOf([&] { PluginDir::Manager().LoadPlugin(path); }));
+  ASSERT_EQ(Lines{"good"}, ListedNames());
+  EXPECT_TRUE(PluginDir::Manager().GetPluginsContainer().front()->IsInitialized());
+}
+
 TEST(PluginManager, SearchesByTheExactName) {
   const PluginDir plugins;
   IPlugin* good = &plugins.Load("good");
@@ -298,6 +317,21 @@ TEST(PluginManager, InitializesWhatIsPending) {
   EXPECT_EQ((std::vector<IPlugin*>{first->GetPluginHandle(), second->GetPluginHandle()}), listed);
   TPluginManager::GetInstance()->InitializeProviders("/other/path.pi.so");
   EXPECT_EQ(2u, TPluginManager::GetInstance()->GetPluginsContainer().size());
+}
+
+TEST(PluginManager, TakesItsRecordsAlongWhenItEnds) {
+  TPluginManager::Initialize("/nowhere");
+  zelPluginCallbacks table{nullptr, Succeed, nullptr, nullptr, NoName, Succeed};
+  TCPluginCallbacks* listed = nullptr;
+  TCPluginCallbacks* pending = nullptr;
+  zelRegisterPlugin(&table, &listed);
+  TPluginManager::GetInstance()->InitializeProviders("/some/path.pi.so");
+  zelRegisterPlugin(&table, &pending);
+  delete TPluginManager::GetInstance();
+  EXPECT_EQ(nullptr, listed->GetPluginHandle());
+  EXPECT_EQ(nullptr, pending->GetPluginHandle());
+  listed->PrepareForUnload();
+  pending->PrepareForUnload();
 }
 
 TEST(PluginManager, SwallowsWhateverInitThrows) {

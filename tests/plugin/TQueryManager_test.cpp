@@ -56,6 +56,28 @@ TEST(RunQuery, CollectsOrdinaryClassesBeforeAssociations) {
   EXPECT_EQ(static_cast<ICIMElement*>(things[1]), to.GetCIMElement());
 }
 
+TEST(RunQuery, FillsTheContainerThatItIsGiven) {
+  const PluginDir plugins;
+  const IPlugin& good = plugins.Load("good");
+  TContainer other;
+  other.PopulateContainerFromFile(ZEL_SOURCE_DIR "/tests/testdata/plugin-base.xml");
+  other.PopulateContainerFromFile(good.GetSpecificationPath());
+  TQueryManager::GetInstance()->RunQuery(&other, {});
+  EXPECT_EQ(2u, other.GetClass("Good_Thing")->EnumerateInstances(false).size());
+  EXPECT_EQ(1u, other.GetClass("Good_Link")->EnumerateInstances(false).size());
+  EXPECT_EQ(0u, CountOf("Good_Thing"));
+
+  // Whether a class has instances already is asked of the plug-in's own class, in the schema.
+  TQueryManager::GetInstance()->RunQuery(&other, {"Good_Thing"});
+  EXPECT_EQ(4u, other.GetClass("Good_Thing")->EnumerateInstances(false).size());
+
+  TContainer empty;
+  ClearLog();
+  TQueryManager::GetInstance()->RunQuery(&empty, {"Good_Thing"});
+  EXPECT_EQ("zelAddClass: GetClass(Good_Thing) threw exception zelStatusNotFound",
+            LogLines().front());
+}
+
 TEST(RunQuery, AsksOnlyForTheNamedClasses) {
   const PluginDir plugins;
   plugins.Load("good");

@@ -114,6 +114,8 @@ TEST(AddClass, ReportsAnInstanceThatCannotBeMade) {
   EXPECT_EQ(zelStatusOutOfMemory, AddClassWhereItThrows(std::bad_alloc()));
   EXPECT_EQ(Lines{"zelAddClass: CIM class test_class: no memory"}, LogLines());
   EXPECT_EQ(zelLogError, LastLogSeverity());
+
+  EXPECT_EQ(zelStatusFail, AddClassWhereItThrows(42));
 }
 
 TEST(Handle, DestroysWhatWasNotCommitted) {

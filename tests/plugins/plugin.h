@@ -17,10 +17,14 @@ static inline zelStatusCode NoData(TCPluginCallbacks* plugin, zelIOHandle* handl
   return zelStatusOK;
 }
 
-/* Registers, from a constructor function, a plug-in that answers with `table`. */
+/*
+ * Registers, from a constructor function, a plug-in that answers with `table`, which is copied. The
+ * handles are kept: they are the plug-in's for good, even where the manager drops its record.
+ */
 static inline void Register(zelPluginCallbacks table) {
-  TCPluginCallbacks* plugin = NULL;
-  zelRegisterPlugin(&table, &plugin); /* the table is copied */
+  static TCPluginCallbacks* plugins[2];
+  static int count;
+  zelRegisterPlugin(&table, &plugins[count++]);
 }
 
 #endif
