@@ -152,7 +152,8 @@ TPluginOutcome RunInChild(const std::string& path, std::chrono::milliseconds dea
   if (!inTime) kill(child, SIGKILL);
   const int status = WaitFor(child);
   if (!inTime) {
-    outcome.fault = fmt::format("did not answer within {} s", deadline.count() / 1000.0);
+    outcome.fault =
+        fmt::format("did not answer within {} s", static_cast<double>(deadline.count()) / 1000);
   } else if (WIFSIGNALED(status)) {
     outcome.fault =
         fmt::format("was ended by signal {} ({})", WTERMSIG(status), strsignal(WTERMSIG(status)));

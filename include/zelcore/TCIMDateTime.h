@@ -21,7 +21,7 @@ class ZEL_API TCIMDateTime {
                short utcOffset);
   TCIMDateTime(unsigned int days, unsigned short hours, unsigned short minutes,
                unsigned short seconds, unsigned int microSeconds);
-  TCIMDateTime(const std::string& text);
+  TCIMDateTime(const std::string& text);  // NOLINT(google-explicit-constructor): by design
   TCIMDateTime(const TCIMDateTime& other);
   TCIMDateTime& operator=(const TCIMDateTime& other);
   ~TCIMDateTime();

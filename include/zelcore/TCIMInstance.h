@@ -19,7 +19,7 @@ class TCIMValue;
 // time at which the instance is made. Copies of the handle share one instance.
 class ZEL_API TCIMInstance : public ICIMElement {
  public:
-  TCIMInstance(TCIMClass* cls);
+  TCIMInstance(TCIMClass* cls);  // NOLINT(google-explicit-constructor): by design
   // Always throws zelStatusNotImplemented.
   TCIMInstance(TCIMInstance& other, TCIMClass& cls);
   ~TCIMInstance() override;

@@ -12,7 +12,7 @@ class TCIMPropertyImpl;
 // and type are its declaration's, which must outlive it. Copies are deep.
 class ZEL_API TCIMProperty {
  public:
-  TCIMProperty(const TCIMPropertyDecl& decl);
+  TCIMProperty(const TCIMPropertyDecl& decl);  // NOLINT(google-explicit-constructor): by design
   // Throws as SetValue().
   TCIMProperty(const TCIMPropertyDecl& decl, const TCIMValue& value);
   // A copy checks the values against the declaration again.

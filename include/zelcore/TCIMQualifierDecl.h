@@ -29,7 +29,7 @@ class ZEL_API TCIMQualifierDecl {
   };
 
   // Without a name, untyped, scope and flavor 0.
-  TCIMQualifierDecl(TContainer& container);
+  TCIMQualifierDecl(TContainer& container);  // NOLINT(google-explicit-constructor): by design
   TCIMQualifierDecl(TContainer& container, const std::string& name, const TCIMValue& value,
                     EScope scope, EFlavor flavor);
   virtual ~TCIMQualifierDecl();

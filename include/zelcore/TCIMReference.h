@@ -16,7 +16,7 @@ class TCIMReferenceImpl;
 class ZEL_API TCIMReference {
  public:
   // `container` may be null; it is not owned.
-  TCIMReference(const TContainer* container);
+  TCIMReference(const TContainer* container);  // NOLINT(google-explicit-constructor): by design
   // Calls SetPath(), so it always throws.
   TCIMReference(const TContainer* container, const std::string& path);
   TCIMReference(const TCIMReference& other);

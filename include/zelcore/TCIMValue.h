@@ -12,6 +12,8 @@ class TCIMReference;
 class TCIMValueImpl;
 class TContainer;
 
+// NOLINTBEGIN(google-explicit-constructor): native values and values convert into each other
+
 // One typed CIM value: of a property, a qualifier, a key binding, an array element.
 //
 // A value has a CIM type, may be NULL (typed but without data) and may be an array. It is strict:
@@ -199,6 +201,8 @@ class ZEL_API TCIMValue {
   TCIMValueImpl* fImpl;  // owned; null means NULL
   TCIMClass* fReferencedClass;
 };
+
+// NOLINTEND(google-explicit-constructor)
 
 // Writes type.ToString().
 ZEL_API std::ostream& operator<<(std::ostream& out, const TCIMValue::TCIMType& type);

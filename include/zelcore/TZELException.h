@@ -9,7 +9,7 @@
 // has a message, the code that throws has written it to the core logger just before.
 class ZEL_API TZELException : public std::exception {
  public:
-  TZELException(zelStatusCode code);
+  TZELException(zelStatusCode code);  // NOLINT(google-explicit-constructor): by design
   ~TZELException() override;
 
   // The code as thrown; a plug-in's odd status may lie outside 0 to zelStatusEnd.
