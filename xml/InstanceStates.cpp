@@ -1,5 +1,6 @@
 #include "xml/InstanceStates.h"
 
+#include <iterator>
 #include <memory>
 
 #include "xml/DocumentStates.h"
@@ -48,8 +49,11 @@ void TCIMXMLParser::TStateValueArray::HandleAttrs(TCIMXMLParser&, TAttributeMap&
 }
 
 void TCIMXMLParser::TStateValueArray::EndElement(TCIMXMLParser& parser, std::string& name) {
+  // Gathered in one vector for all, kept in one of their number.
+  std::vector<TCIMValue> elements(std::make_move_iterator(fElements.begin()),
+                                  std::make_move_iterator(fElements.end()));
   TCIMValue array;
-  array.Set(fType, fSlot.fMaxArraySize, std::move(fElements));
+  array.Set(fType, fSlot.fMaxArraySize, std::move(elements));
   fSlot.Take(std::move(array));
   TTableState::EndElement(parser, name);
 }

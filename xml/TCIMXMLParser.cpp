@@ -1,6 +1,6 @@
 #include "xml/TCIMXMLParser.h"
 
-#include <charconv>
+#include <cstring>
 #include <locale>
 #include <sstream>
 
@@ -9,6 +9,7 @@
 #include "zelcore/detail/Ascii.h"
 #include "zelcore/detail/Fail.h"
 
+using namespace std::string_view_literals;
 using zelcore::detail::LogCore;
 using zelcore::detail::Text;
 
@@ -62,15 +63,14 @@ void TCIMXMLParser::Report(TWork&& work) {
 }
 
 void TCIMXMLParser::StartElement(const char* name, TAttributeMap& attributes) {
-  fName = name;
-  for (char& c : fName) c = zelcore::detail::ToAsciiLower(c);
+  fName.resize(std::strlen(name));
+  for (char& c : fName) c = zelcore::detail::ToAsciiLower(*name++);
   Report([&] { fStates.back()->StartElement(*this, fName, attributes); });
 }
 
-void TCIMXMLParser::EndElement(const char* name) {
-  fName = name;
-  for (char& c : fName) c = zelcore::detail::ToAsciiLower(c);
-  Report([&] { fStates.back()->EndElement(*this, fName); });
+void TCIMXMLParser::EndElement(const char* /*name*/) {
+  TParseState& state = *fStates.back();
+  Report([&] { state.EndElement(*this, state.fName); });
 }
 
 void TCIMXMLParser::processingInstruction(const char*, const char*) {}
@@ -95,7 +95,7 @@ bool TCIMXMLParser::HandleCIMName(const TAttribute& attribute, std::string& name
 }
 
 bool TCIMXMLParser::HandleCIMType(const TAttribute& attribute, TCIMValue::TCIMType& type) {
-  if (attribute.first != "type") return false;
+  if (attribute.first != "type"sv) return false;
   type = TCIMValue::TCIMType(attribute.second);
   return true;
 }
@@ -116,13 +116,13 @@ bool TCIMXMLParser::HandleClassOrigin(const TAttribute& attribute, std::string& 
 }
 
 bool TCIMXMLParser::HandlePropagated(const TAttribute& attribute, bool& propagated) {
-  if (attribute.first != "propagated") return false;
+  if (attribute.first != "propagated"sv) return false;
   propagated = ConvertBool(attribute.second);
   return true;
 }
 
 bool TCIMXMLParser::HandleArraySize(const TAttribute& attribute, unsigned int& arraySize) {
-  if (attribute.first != "arraysize") return false;
+  if (attribute.first != "arraysize"sv) return false;
   arraySize = ConvertUnsignedInt(attribute.second);
   return true;
 }

@@ -153,7 +153,7 @@ class ZEL_API TCIMXMLParser : public TXmlParser {
   TContainer& fContainer;
   std::deque<boost::shared_ptr<TParseState>> fStates;
   std::string fText;  // the character data of the current state's element
-  std::string fName;  // of the element that starts or ends
+  std::string fName;  // of the element that starts
   std::vector<TCIMClass*> fClassesCollected;
   bool fUX402Mode = false;
 };

@@ -30,6 +30,7 @@ void TCIMXMLParser::TTableState::StartElement(TCIMXMLParser& parser, std::string
   boost::shared_ptr<TParseState>& spare = fSpares[static_cast<std::size_t>(rule - fChildren)];
   if (!spare) {
     spare = rule->make(parser);
+    spare->fName = name;
     spare->fHome = &spare;
   }
   parser.fStates.push_back(std::move(spare));

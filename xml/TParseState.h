@@ -29,7 +29,9 @@ class TCIMXMLParser::TParseState {
   bool fTakesText = false;
 
  private:
+  friend class TCIMXMLParser;
   friend class TTableState;
+  std::string fName;                                // of the element
   boost::shared_ptr<TParseState>* fHome = nullptr;  // where it waits for the next such element
 };
 
