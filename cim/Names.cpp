@@ -21,6 +21,7 @@ void CheckName(const std::string& name) {
 bool TNameLess::operator()(std::string_view a, std::string_view b) const {
   const std::size_t common = std::min(a.size(), b.size());
   for (std::size_t i = 0; i < common; ++i) {
+    if (a[i] == b[i]) continue;
     const auto x = static_cast<unsigned char>(ToAsciiLower(a[i]));
     const auto y = static_cast<unsigned char>(ToAsciiLower(b[i]));
     if (x != y) return x < y;

@@ -15,7 +15,7 @@ namespace {
 using TCIMType = TCIMValue::TCIMType;
 
 // Indexed by type code.
-constexpr const char* kTypeTexts[] = {
+constexpr std::string_view kTypeTexts[] = {
     "",       "boolean", "uint8",  "sint8",  "uint16", "sint16", "uint32",   "sint32",
     "uint64", "sint64",  "real32", "real64", "char",   "string", "datetime", "reference",
 };
@@ -36,7 +36,7 @@ namespace zelcore::detail {
 
 const char* TypeText(TCIMType type) {
   const unsigned int code = type & ~TCIMType::TypeArray;
-  return code < std::size(kTypeTexts) ? kTypeTexts[code] : "";
+  return code < std::size(kTypeTexts) ? kTypeTexts[code].data() : "";
 }
 
 }  // namespace zelcore::detail

@@ -22,7 +22,7 @@ inline std::string ToAsciiLower(std::string text) {
 constexpr bool EqualsIgnoringAsciiCase(std::string_view a, std::string_view b) {
   if (a.size() != b.size()) return false;
   for (std::size_t i = 0; i < a.size(); ++i) {
-    if (ToAsciiLower(a[i]) != ToAsciiLower(b[i])) return false;
+    if (a[i] != b[i] && ToAsciiLower(a[i]) != ToAsciiLower(b[i])) return false;
   }
   return true;
 }
