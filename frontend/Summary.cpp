@@ -43,7 +43,7 @@ std::string Bytes(const TCIMProperty& property) {
 std::string Duration(const TCIMProperty& property) {
   const unsigned long seconds = property.GetValue();
   const unsigned long days = seconds / 86400;
-  const std::string time =
+  std::string time =
       fmt::format("{}:{:02}:{:02}", seconds / 3600 % 24, seconds / 60 % 60, seconds % 60);
   if (days == 0) return time;
   return fmt::format("{} {}, {}", days, days == 1 ? "day" : "days", time);

@@ -93,7 +93,7 @@ std::string ValueText(const TCIMValue& value) {
 }
 
 std::string EnumerationText(const TCIMProperty& property) {
-  const std::string code = PropertyText(property);
+  std::string code = PropertyText(property);
   const std::vector<std::string> words = Strings(*property.GetDeclaration(), "VALUES");
   const std::vector<std::string> codes = Strings(*property.GetDeclaration(), "VALUEMAP");
   for (std::size_t i = 0; i < words.size(); ++i) {
