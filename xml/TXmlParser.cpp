@@ -71,6 +71,18 @@ bool AreSame(const std::string& a, std::string_view b) {
   return true;
 }
 
+// 0 when `begin` is behind `end`.
+unsigned int CountLineFeeds(const char* begin, const char* end) {
+  unsigned int count = 0;
+  while (begin < end) {
+    const void* const found = std::memchr(begin, '\n', static_cast<std::size_t>(end - begin));
+    if (!found) break;
+    begin = static_cast<const char*>(found) + 1;
+    ++count;
+  }
+  return count;
+}
+
 struct TEntity {
   std::string_view name;
   char byte;
@@ -191,8 +203,9 @@ void TXmlParser::Parse(char* buffer) {
 }
 
 unsigned int TXmlParser::GetCurLine() const {
-  for (; fCountedTo < fPosition; ++fCountedTo) fCountedLines += *fCountedTo == '\n';
-  while (fCountedTo > fPosition) fCountedLines -= *--fCountedTo == '\n';
+  fCountedLines += CountLineFeeds(fCountedTo, fPosition);
+  fCountedLines -= CountLineFeeds(fPosition, fCountedTo);
+  fCountedTo = fPosition;
   return fCountedLines + 1;
 }
 
