@@ -130,6 +130,14 @@ inline bool NeedsRoot(const std::string& path) {
   return file.Get() < 0 && (errno == EACCES || errno == EPERM);
 }
 
+// The name of the machine; a captured tree tells what the kernel or the boot configuration had.
+inline std::optional<std::string> HostName() {
+  char name[256] = "";
+  if (IsLiveMachine() && gethostname(name, sizeof name - 1) == 0 && name[0]) return name;
+  if (const auto kernels = ReadLine("/proc/sys/kernel/hostname")) return kernels;
+  return ReadLine("/etc/hostname");
+}
+
 // The names in a directory without "." and "..", numbers in them ordered by value; none when the
 // directory cannot be read.
 inline std::vector<std::string> ListDir(const std::string& path) {

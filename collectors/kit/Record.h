@@ -10,6 +10,7 @@
 #include <variant>
 #include <vector>
 
+#include "collectors/kit/Files.h"
 #include "zelcore/zel.h"
 
 // Instances by chained calls. The first status but 0 sticks: later calls do nothing.
@@ -143,18 +144,23 @@ class TPath {
   std::vector<std::pair<const char*, TKeyValue>> fKeys;
 };
 
-// The key values of the computer system, which is collected first. Throws TFailure before that.
+// The key values of the computer system.
 struct TSystemKeys {
   const char* creationClassName = nullptr;
   const char* name = nullptr;
 };
 
+// The system is collected first; where that failed, the keys that it would have had. Throws
+// TFailure when the machine has no name.
 inline TSystemKeys SystemKeys() {
   TSystemKeys keys;
-  zelStatusCode status = zelGetSystemCreationClassName(&keys.creationClassName);
-  if (status == zelStatusOK) status = zelGetSystemName(&keys.name);
-  if (status != zelStatusOK) throw TFailure{status};
-  return keys;
+  if (zelGetSystemCreationClassName(&keys.creationClassName) == zelStatusOK &&
+      zelGetSystemName(&keys.name) == zelStatusOK) {
+    return keys;
+  }
+  static const std::optional<std::string> host = HostName();
+  if (!host) throw TFailure{zelStatusNotFound};
+  return {"KVRSG_ComputerSystem", host->c_str()};
 }
 
 inline TPath SystemPath() {
