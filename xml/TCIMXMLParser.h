@@ -8,6 +8,7 @@
 #include <vector>
 
 #include "xml/TXmlParser.h"
+#include "zelcore/TCIMDateTime.h"
 #include "zelcore/TCIMQualifierDecl.h"
 #include "zelcore/TCIMValue.h"
 #include "zelcore/detail/Export.h"
@@ -152,8 +153,9 @@ class ZEL_API TCIMXMLParser : public TXmlParser {
 
   TContainer& fContainer;
   std::deque<boost::shared_ptr<TParseState>> fStates;
-  std::string fText;  // the character data of the current state's element
-  std::string fName;  // of the element that starts
+  std::string fText;       // the character data of the current state's element
+  std::string fName;       // of the element that starts
+  TCIMDateTime fDateTime;  // the one read last
   std::vector<TCIMClass*> fClassesCollected;
   bool fUX402Mode = false;
 };
