@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <charconv>
+#include <cstdint>
 #include <optional>
 #include <string>
 #include <string_view>
@@ -56,6 +57,23 @@ inline std::vector<std::string_view> Words(std::string_view text) {
   return words;
 }
 
+struct TNamedLine {
+  std::string_view name;
+  std::string_view value;
+};
+
+// The lines "name : value" of /proc/cpuinfo, /proc/meminfo and their like; the others are skipped.
+inline std::vector<TNamedLine> NamedLines(std::string_view text) {
+  std::vector<TNamedLine> lines;
+  for (const std::string_view line : Split(text, '\n')) {
+    const size_t colon = line.find(':');
+    if (colon != line.npos) {
+      lines.push_back({Trim(line.substr(0, colon)), Trim(line.substr(colon + 1))});
+    }
+  }
+  return lines;
+}
+
 // The number that the whole of the trimmed text spells; nothing when it is no number or does not
 // fit. A "0x" is taken in base 16.
 template <class TNumber>
@@ -67,6 +85,15 @@ std::optional<TNumber> ParseNumber(std::string_view text, int base = 10) {
   const auto [stop, error] = std::from_chars(text.data(), end, number, base);
   if (error != std::errc() || stop != end) return std::nullopt;
   return number;
+}
+
+// "16384 kB", as the kernel writes sizes, in bytes.
+inline std::optional<uint64_t> ParseKilobytes(std::string_view text) {
+  const auto words = Words(text);
+  if (words.size() != 2 || words[1] != "kB") return std::nullopt;
+  const auto kilobytes = ParseNumber<uint64_t>(words[0]);
+  if (!kilobytes || *kilobytes > UINT64_MAX / 1024) return std::nullopt;
+  return *kilobytes * 1024;
 }
 
 namespace detail {
@@ -188,10 +215,6 @@ inline std::optional<std::string> Fact(std::string_view text) {
   std::string clean = Clean(text);
   if (IsPlaceholder(clean)) return std::nullopt;
   return clean;
-}
-
-inline std::optional<std::string> Fact(const std::optional<std::string>& text) {
-  return text ? Fact(std::string_view(*text)) : std::nullopt;
 }
 
 }  // namespace kit
