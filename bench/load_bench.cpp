@@ -78,50 +78,40 @@ void PeakMemory(benchmark::State& state, const std::string& name) {
   }
 }
 
-std::unique_ptr<TCIMInstance> MakeDisk(TContainer& container, long number) {
-  std::unique_ptr<TCIMInstance> disk(container.AllocateInstance(container.GetClass("BENCH_Disk")));
-  // Keys in no order: the registry is sorted by them.
-  const std::string id = std::to_string(number * 7919 % 1000003);
-  disk->SetPropertyValue("DeviceID", TCIMValue(std::string("disk") + id));
-  return disk;
+// Keys in no order.
+std::string MakeKey(long number) { return "disk" + std::to_string(number * 7919 % 1000003); }
+
+void CommitDisks(TContainer& container, long count) {
+  TCIMClass* const cls = container.GetClass("BENCH_Disk");
+  for (long i = 0; i < count; ++i) {
+    std::unique_ptr<TCIMInstance> disk(container.AllocateInstance(cls));
+    disk->SetPropertyValue("DeviceID", TCIMValue(MakeKey(i)));
+    disk->AddToContainer();
+    disk.release();
+  }
 }
 
 void Commit(benchmark::State& state) {
   for (auto round : state) {
     TContainer container;
     bench::LoadSchema(container, 1);
-    bench::Time(state, [&] {
-      for (long i = 0; i < state.range(0); ++i) {
-        std::unique_ptr<TCIMInstance> disk = MakeDisk(container, i);
-        disk->AddToContainer();
-        disk.release();
-      }
-    });
+    bench::Time(state, [&] { CommitDisks(container, state.range(0)); });
   }
 }
 
+// Each from a path that is made for it.
 void FindByPath(benchmark::State& state) {
   TContainer container;
   bench::LoadSchema(container, 1);
-  std::vector<std::string> paths;
-  for (long i = 0; i < state.range(0); ++i) {
-    std::unique_ptr<TCIMInstance> disk = MakeDisk(container, i);
-    paths.push_back(disk->BuildPath().GetPath());
-    disk->AddToContainer();
-    disk.release();
-  }
+  CommitDisks(container, state.range(0));
   const TCIMClass& cls = *container.GetClass("BENCH_Disk");
-  std::vector<TCIMReference> references;
-  for (long i = 0; i < state.range(0); ++i) {
-    TCIMReference reference(&container);
-    reference.SetClassName("BENCH_Disk");
-    reference.AddKeyValue("DeviceID", TCIMValue("disk" + std::to_string(i * 7919 % 1000003)));
-    references.push_back(reference);
-  }
   for (auto round : state) {
     bench::Time(state, [&] {
-      for (const TCIMReference& reference : references) {
-        if (!cls.FindInstance(reference)) state.SkipWithError("an instance is missing");
+      for (long i = 0; i < state.range(0); ++i) {
+        TCIMReference path(&container);
+        path.SetClassName("BENCH_Disk");
+        path.AddKeyValue("DeviceID", TCIMValue(MakeKey(i)));
+        if (!cls.FindInstance(path)) state.SkipWithError("an instance is missing");
       }
     });
   }
