@@ -4,7 +4,6 @@
 
 #include <algorithm>
 #include <map>
-#include <optional>
 #include <set>
 #include <string>
 #include <utility>
@@ -30,8 +29,20 @@ TInstances InstancesOf(const TContainer& container, const char* className) {
 
 std::string Fact(const TCIMInstance& instance, const char* name, TShow show) {
   const TCIMProperty* property = instance.FindProperty(name);
-  if (!property) return "not available";
+  if (!property) return kNotAvailable;
   return property->GetValue().IsNull() ? MissingText(*property) : show(*property);
+}
+
+// The number that the property holds, whatever its width; 0 when it is NULL.
+unsigned long Number(const TCIMInstance& instance, const char* name) {
+  const TCIMProperty* property = instance.FindProperty(name);
+  if (!property || property->GetValue().IsNull()) return 0;
+  return std::stoul(property->GetValue().ToString(10));
+}
+
+// "1 core", "2 cores".
+std::string Counted(unsigned long count, const char* what) {
+  return fmt::format("{} {}{}", count, what, count == 1 ? "" : "s");
 }
 
 std::string Plain(const TCIMProperty& property) { return PropertyText(property); }
@@ -45,21 +56,13 @@ std::string Duration(const TCIMProperty& property) {
   const unsigned long days = seconds / 86400;
   std::string time =
       fmt::format("{}:{:02}:{:02}", seconds / 3600 % 24, seconds / 60 % 60, seconds % 60);
-  if (days == 0) return time;
-  return fmt::format("{} {}, {}", days, days == 1 ? "day" : "days", time);
+  return days == 0 ? time : fmt::format("{}, {}", Counted(days, "day"), time);
 }
 
 std::string Moment(const TCIMProperty& property) {
   const TCIMDateTime moment = property.GetValue();
   return fmt::format("{:04}-{:02}-{:02} {:02}:{:02}:{:02}", moment.GetYear(), moment.GetMonth(),
                      moment.GetDay(), moment.GetHour(), moment.GetMinute(), moment.GetSecond());
-}
-
-// The number that the property holds, whatever its width; 0 when it is NULL.
-unsigned long Number(const TCIMInstance& instance, const char* name) {
-  const TCIMProperty* property = instance.FindProperty(name);
-  if (!property || property->GetValue().IsNull()) return 0;
-  return std::stoul(property->GetValue().ToString(10));
 }
 
 class TSummary {
@@ -72,78 +75,76 @@ class TSummary {
     OperatingSystem();
     Processors();
     Memory();
-    Product();
     Outcome();
   }
 
  private:
-  struct TRow {
-    const char* label;
-    const char* className;
-    const char* property;
-    TShow show;
-  };
-
-  void Section(const char* title) { fOut << title << "\n"; }
-  void Row(const std::string& label, const std::string& text) {
+  void Row(const char* label, const std::string& text) {
     fOut << fmt::format("  {:<22}  {}\n", label, text);
   }
-  void Rows(const std::vector<TRow>& rows) {
-    for (const TRow& row : rows) {
-      const TInstances instances = InstancesOf(fContainer, row.className);
-      Row(row.label,
-          instances.empty() ? "not available" : Fact(*instances.front(), row.property, row.show));
-    }
+
+  // The fact of the first instance of a class.
+  std::string FactOf(const char* className, const char* property, TShow show = Plain) const {
+    const TInstances instances = InstancesOf(fContainer, className);
+    return instances.empty() ? kNotAvailable : Fact(*instances.front(), property, show);
   }
 
   void System() {
-    Section("System");
-    Rows({
-        {"Name",                   "KVRSG_ComputerSystem",    "Name",               Plain          },
-        {"Manufacturer",           "KVRSG_ComputerSystem",    "Manufacturer",       Plain          },
-        {"Product",                "KVRSG_ComputerSystem",    "ProductName",        Plain          },
-        {"Serial number",          "KVRSG_ComputerSystem",    "SerialNumber",       Plain          },
-        {"Machine type and model", "KVRSG_SystemBIOSElement", "MachineTypeModel",   Plain          },
-        {"Firmware",               "KVRSG_SystemBIOSElement", "Version",            Plain          },
-        {"Virtualization",         "KVRSG_ComputerSystem",    "VirtualizationType", EnumerationText},
-        {"Container",              "KVRSG_ComputerSystem",    "ContainerType",      EnumerationText}
-    });
+    constexpr const char* kSystem = "KVRSG_ComputerSystem";
+    const std::string maker = FactOf(kSystem, "Manufacturer");
+    const std::string product = FactOf(kSystem, "ProductName");
+    fOut << "System\n";
+    Row("Name", FactOf(kSystem, "Name"));
+    Row("Product", maker == kNotAvailable ? product : fmt::format("{} {}", maker, product));
+    Row("Serial number", FactOf(kSystem, "SerialNumber"));
+    Row("Machine type and model", FactOf("KVRSG_SystemBIOSElement", "MachineTypeModel"));
+    Row("Kind", Kind(FactOf(kSystem, "VirtualizationType", EnumerationText),
+                     FactOf(kSystem, "ContainerType")));
+  }
+
+  // "physical", "virtual (KVM)", "virtual (KVM), in a container (docker)"
+  static std::string Kind(const std::string& virtualization, const std::string& container) {
+    std::string kind = virtualization;
+    if (virtualization == "Physical") {
+      kind = "physical";
+    } else if (virtualization != kNotAvailable && virtualization.find("Virtual (") != 0) {
+      kind = fmt::format("virtual ({})", virtualization);
+    }
+    return container == kNotAvailable ? kind
+                                      : fmt::format("{}, in a container ({})", kind, container);
   }
 
   void OperatingSystem() {
-    Section("Operating system");
-    Rows({
-        {"Name",    "KVRSG_OperatingSystem", "Name",           Plain   },
-        {"Version", "KVRSG_OperatingSystem", "Version",        Plain   },
-        {"Kernel",  "KVRSG_OperatingSystem", "KernelRelease",  Plain   },
-        {"Booted",  "KVRSG_OperatingSystem", "LastBootUpTime", Moment  },
-        {"Uptime",  "KVRSG_OperatingSystem", "Uptime",         Duration}
-    });
+    constexpr const char* kSystem = "KVRSG_OperatingSystem";
+    fOut << "Operating system\n";
+    Row("Name", FactOf(kSystem, "Name"));
+    Row("Version", FactOf(kSystem, "Version"));
+    Row("Kernel", FactOf(kSystem, "KernelRelease"));
+    Row("Booted", FactOf(kSystem, "LastBootUpTime", Moment));
+    Row("Uptime", FactOf(kSystem, "Uptime", Duration));
   }
 
   void Processors() {
-    Section("Processors");
+    fOut << "Processors\n";
     const TInstances processors = InstancesOf(fContainer, "KVRSG_Processor");
-    if (processors.empty()) Row("Model", "not available");
-    // Packages of one kind share a line.
-    std::map<std::string, std::size_t> packages;
+    std::set<std::string> models;
     unsigned long cores = 0;
     unsigned long threads = 0;
     for (const TCIMInstance* processor : processors) {
-      ++packages[Fact(*processor, "Name", Plain)];
+      models.insert(Fact(*processor, "Name", Plain));
       cores += Number(*processor, "NumberOfEnabledCores");
       threads += Number(*processor, "NumberOfHardwareThreads");
     }
-    for (const auto& [model, count] : packages) Row("Model", model);
-    if (!processors.empty()) {
-      Row("Packages", fmt::format("{}", processors.size()));
-      Row("Cores", cores == 0 ? "not available" : fmt::format("{}", cores));
-      Row("Threads", threads == 0 ? "not available" : fmt::format("{}", threads));
-    }
+    if (processors.empty()) models.insert(kNotAvailable);
+    for (const std::string& model : models) Row("Model", model);
+    Row("Count", processors.empty()
+                     ? kNotAvailable
+                     : fmt::format("{}, {}, {}", Counted(processors.size(), "package"),
+                                   Counted(cores, "core"), Counted(threads, "thread")));
     Row("Caches", Caches());
   }
 
-  // "2 x 48 KiB L1d, 2 x 32 KiB L1i, ..."
+  // "2 x 48 KiB L1d, 2 x 32 KiB L1i, 1 x 32 MiB L3"
   std::string Caches() const {
     std::map<std::pair<std::string, std::string>, std::size_t> caches;
     for (const TCIMInstance* cache : InstancesOf(fContainer, "KVRSG_CacheMemory")) {
@@ -156,23 +157,22 @@ class TSummary {
       if (!text.empty()) text += ", ";
       text += fmt::format("{} x {} {}", count, kind.second, kind.first);
     }
-    return text.empty() ? "not available" : text;
+    return text.empty() ? kNotAvailable : text;
   }
 
   void Memory() {
-    Section("Memory");
-    Rows({
-        {"Total",     "KVRSG_Memory", "TotalSize",     Bytes},
-        {"Available", "KVRSG_Memory", "AvailableSize", Bytes},
-        {"Swap",      "KVRSG_Memory", "SwapTotalSize", Bytes}
-    });
+    constexpr const char* kMemory = "KVRSG_Memory";
+    fOut << "Memory\n";
+    Row("Total", FactOf(kMemory, "TotalSize", Bytes));
+    Row("Available", FactOf(kMemory, "AvailableSize", Bytes));
+    Row("Swap", FactOf(kMemory, "SwapTotalSize", Bytes));
     Row("Modules", Modules());
   }
 
   // "2 x 16 GiB DDR4, 2 of 4 slots"
   std::string Modules() const {
     const TInstances slots = InstancesOf(fContainer, "KVRSG_PhysicalMemory");
-    if (slots.empty()) return TOSSpecific::IsAdmin() ? "not available" : "needs root";
+    if (slots.empty()) return TOSSpecific::IsAdmin() ? kNotAvailable : kNeedsRoot;
     std::map<std::string, std::size_t> modules;
     std::size_t used = 0;
     for (const TCIMInstance* slot : slots) {
@@ -183,18 +183,14 @@ class TSummary {
     }
     std::string text;
     for (const auto& [kind, count] : modules) text += fmt::format("{} x {}, ", count, kind);
-    return fmt::format("{}{} of {} slots", text, used, slots.size());
-  }
-
-  void Product() {
-    Section("Collected by");
-    for (const TCIMInstance* product : InstancesOf(fContainer, "KVRSG_VNTProduct")) {
-      Row(Fact(*product, "Name", Plain), Fact(*product, "Version", Plain));
-    }
-    fOut << "\n";
+    return fmt::format("{}{} of {}", text, used, Counted(slots.size(), "slot"));
   }
 
   void Outcome() {
+    for (const TCIMInstance* product : InstancesOf(fContainer, "KVRSG_VNTProduct")) {
+      fOut << fmt::format("Collected by {} {}\n", Fact(*product, "Name", Plain),
+                          Fact(*product, "Version", Plain));
+    }
     std::size_t loaded = 0;
     for (const TPluginOutcome& outcome : fCollection.GetOutcomes()) loaded += !outcome.Failed();
     std::size_t classes = 0;
@@ -204,8 +200,10 @@ class TSummary {
       classes += count != 0;
       instances += count;
     }
-    fOut << fmt::format("{} plug-ins, {} classes, {} instances in {:.0f} ms\n", loaded, classes,
-                        instances, static_cast<double>(fCollection.GetDuration().count()) / 1000);
+    fOut << fmt::format("\n{}, {}, {} in {:.0f} ms\n", Counted(loaded, "plug-in"),
+                        classes == 1 ? "1 class" : fmt::format("{} classes", classes),
+                        Counted(instances, "instance"),
+                        static_cast<double>(fCollection.GetDuration().count()) / 1000);
   }
 
   const TCollection& fCollection;

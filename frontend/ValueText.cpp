@@ -118,7 +118,7 @@ std::string BytesText(unsigned long bytes) {
 
 std::string MissingText(const TCIMProperty& property) {
   const bool needsRoot = IsTrue(property.GetDeclaration()->FindQualifier("NEEDSROOT"));
-  return needsRoot && !TOSSpecific::IsAdmin() ? "needs root" : "not available";
+  return needsRoot && !TOSSpecific::IsAdmin() ? kNeedsRoot : kNotAvailable;
 }
 
 std::string PropertyText(const TCIMProperty& property) {

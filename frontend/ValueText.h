@@ -20,8 +20,11 @@ std::string EnumerationText(const TCIMProperty& property);
 // "16 GiB", "1.5 MiB", "512 B".
 std::string BytesText(unsigned long bytes);
 
-// Why a property is NULL: "needs root" when its declaration says so and this process is not root,
-// else "not available".
+inline constexpr char kNeedsRoot[] = "needs root";
+inline constexpr char kNotAvailable[] = "not available";
+
+// Why a property is NULL: kNeedsRoot when its declaration says so and this process is not root,
+// else kNotAvailable.
 std::string MissingText(const TCIMProperty& property);
 
 // The value's text, or why it is missing.
