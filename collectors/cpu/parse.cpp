@@ -44,9 +44,6 @@ std::string Field(const TFields& fields, const char* name) {
   return found == fields.end() ? "" : found->second;
 }
 
-// ---- Logical CPUs and their packages
-// --------------------------------------------------------------
-
 // A logical CPU by what /proc/cpuinfo and its directory tell of it.
 struct TMember {
   const TFields* fields;
@@ -80,9 +77,6 @@ std::optional<std::uint32_t> CountCores(const std::vector<TMember>& cpus) {
   if (cores.count("") != 0) return std::nullopt;
   return static_cast<std::uint32_t>(cores.size());
 }
-
-// ---- Clocks
-// ---------------------------------------------------------------------------------------
 
 std::optional<std::uint32_t> Round(std::optional<double> number) {
   if (!number) return std::nullopt;
@@ -128,9 +122,6 @@ std::optional<double> MaxSpeed(const std::vector<TMember>& cpus) {
   }
   return fastest;
 }
-
-// ---- Processors
-// -----------------------------------------------------------------------------------
 
 std::optional<std::vector<std::string>> ParseFlags(const std::string& text) {
   const auto words = kit::Words(text);
@@ -204,9 +195,6 @@ void AddSocket(TProcessor& processor, const TSocket& socket) {
   if (!processor.maxSpeed) processor.maxSpeed = socket.maxSpeed;
 }
 
-// ---- Caches
-// ---------------------------------------------------------------------------------------
-
 ECacheType CacheType(const std::string& text) {
   if (text == "Instruction") return kInstruction;
   if (text == "Data") return kData;
@@ -238,9 +226,6 @@ TCache DescribeCache(const TCacheText& text) {
   cache.sharingThreads = CountCpus(text.sharedCpus);
   return cache;
 }
-
-// ---- Nodes and vulnerabilities
-// --------------------------------------------------------------------
 
 // Of "Node 0 MemTotal:  5073108 kB" the Bytes.
 std::optional<std::uint64_t> NodeMemory(const std::string& memInfo, std::string_view label) {
