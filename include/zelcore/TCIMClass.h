@@ -27,7 +27,8 @@ class ZEL_API TCIMClass : public ICIMElement, public ICIMAllowQualifiers {
 
   // Throws zelStatusInvalidClass for a class that is neither abstract nor has a key.
   void Validate() const override;
-  // Throws as Validate() and TContainer::AddClass(); nothing is registered then.
+  // Throws as Validate() and TContainer::AddClass(); nothing is registered then. Called on a copy
+  // of the handle, it hands over the one that made the class.
   void AddToContainer() const override;
   TContainer* GetContainer() const override;
 

@@ -55,7 +55,8 @@ class ZEL_API TCIMReference {
   std::map<std::string, TCIMValue> EnumerateKeyBindings() const;
 
   // The class's name and, where there are bindings, `.Id="7",Name="abc"` in their order. Values are
-  // not escaped. Throws zelStatusValueIsNULL when a bound value is NULL.
+  // not escaped. Throws zelStatusValueIsNULL when a bound value is NULL, zelStatusInvalidReference
+  // when no class is set.
   std::string GetPath() const;
 
   // The class without bindings, else the class's first instance under this path. The instance is

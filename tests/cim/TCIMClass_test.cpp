@@ -130,6 +130,16 @@ TEST(TCIMClass, RunsTheValidationOfADerivedClass) {
   EXPECT_EQ(nullptr, container.FindClass("ACME_Fan"));
 }
 
+TEST(TCIMClass, IsRegisteredAsTheHandleThatMadeIt) {
+  Schema schema;
+  TCIMClass* fan = schema.Class("ACME_Fan").release();
+  schema.AddProperty(*fan, "Name", Schema::NullString(), {"KEY"});
+  const TCIMClass copy(*fan);
+  copy.AddToContainer();
+  EXPECT_EQ(fan, schema.Container().GetClass("ACME_Fan"));
+  EXPECT_EQ(TClasses{fan}, schema.Container().GetRootClass()->EnumerateSubClasses(false));
+}
+
 TEST(TCIMClass, StaysWithItsMakerWhenItsAssociationIsNoBoolean) {
   Schema schema;
   const std::unique_ptr<TCIMClass> cls = schema.Class("ACME_Fan");

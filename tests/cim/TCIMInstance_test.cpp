@@ -205,6 +205,14 @@ TEST_F(TCIMInstanceTest, IsCommittedOnce) {
   EXPECT_EQ("ACME_Fan.Name=\"back\"", fan.BuildPath().GetPath());
 }
 
+TEST_F(TCIMInstanceTest, IsCommittedAsTheHandleThatIsHandedOver) {
+  TCIMInstance maker(&fFan);
+  maker.SetPropertyValue("Name", TCIMValue("front"));
+  TCIMInstance& copy = HandOver(std::make_unique<TCIMInstance>(maker));
+  maker.AddToContainer();
+  EXPECT_EQ(std::vector<TCIMInstance*>{&copy}, fFan.EnumerateInstances(false));
+}
+
 TEST_F(TCIMInstanceTest, RunsTheValidationOfADerivedInstance) {
   struct Refusing : TCIMInstance {
     using TCIMInstance::TCIMInstance;
