@@ -1,12 +1,10 @@
 #include "xml/TCIMXMLParser.h"
 
-#include <cstring>
 #include <locale>
 #include <sstream>
 
 #include "xml/DocumentStates.h"
 #include "zelcore/TCIMDateTime.h"
-#include "zelcore/detail/Ascii.h"
 #include "zelcore/detail/Fail.h"
 
 using namespace std::string_view_literals;
@@ -63,9 +61,8 @@ void TCIMXMLParser::Report(TWork&& work) {
 }
 
 void TCIMXMLParser::StartElement(const char* name, TAttributeMap& attributes) {
-  fName.resize(std::strlen(name));
-  for (char& c : fName) c = zelcore::detail::ToAsciiLower(*name++);
-  Report([&] { fStates.back()->StartElement(*this, fName, attributes); });
+  TParseState& state = *fStates.back();
+  Report([&] { state.StartElement(*this, state.ToLowerCase(name), attributes); });
 }
 
 void TCIMXMLParser::EndElement(const char* /*name*/) {

@@ -1,6 +1,8 @@
 #include "xml/TParseState.h"
 
-#include "zelcore/detail/Fail.h"
+#include <cstring>
+
+#include "zelcore/detail/Ascii.h"
 
 namespace {
 
@@ -12,6 +14,14 @@ constexpr std::size_t kMaxOpenStates = 256;
 constexpr std::size_t kMaxKeptDepth = 24;
 
 }  // namespace
+
+std::string& TCIMXMLParser::TParseState::ToLowerCase(const char* name) {
+  if (std::strcmp(fChildAsWritten.c_str(), name) != 0) {
+    fChildAsWritten = name;
+    fChildName = zelcore::detail::ToAsciiLower(fChildAsWritten);
+  }
+  return fChildName;
+}
 
 void TCIMXMLParser::TParseState::EndElement(TCIMXMLParser& parser, std::string& /*name*/) {
   boost::shared_ptr<TParseState> self = std::move(parser.fStates.back());

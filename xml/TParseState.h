@@ -24,6 +24,8 @@ class TCIMXMLParser::TParseState {
   virtual void HandleAttrs(TCIMXMLParser&, TAttributeMap&) {}
 
   bool TakesText() const { return fTakesText; }
+  // A child's name. Most children are called as the one before.
+  std::string& ToLowerCase(const char* name);
 
  protected:
   bool fTakesText = false;
@@ -31,8 +33,10 @@ class TCIMXMLParser::TParseState {
  private:
   friend class TCIMXMLParser;
   friend class TTableState;
-  std::string fName;                                // of the element
   boost::shared_ptr<TParseState>* fHome = nullptr;  // where it waits for the next such element
+  std::string fName;                                // of the element
+  std::string fChildAsWritten;
+  std::string fChildName;
 };
 
 // One child that a state accepts, by its lower-case name. A table ends with an empty rule.
