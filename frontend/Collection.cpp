@@ -89,8 +89,9 @@ void TCollection::FindPlugins(const std::string& directory) {
   std::sort(fPlugins.begin(), fPlugins.end(),
             [](const TFoundPlugin& a, const TFoundPlugin& b) { return a.path < b.path; });
   TPluginManager::Initialize(handed);
-  TQueryManager::Initialize();
-  fSchema = TPluginManager::GetInstance()->GetSchema();
+  fManager.reset(TPluginManager::GetInstance());
+  if (!TQueryManager::GetInstance()) TQueryManager::Initialize();
+  fSchema = fManager->GetSchema();
 }
 
 void TCollection::ReadDocuments() {
@@ -184,7 +185,7 @@ void TCollection::Probe() {
 void TCollection::Work(const TFoundPlugin& plugin, const std::vector<std::string>& classNames,
                        TPluginOutcome& outcome) {
   ILogger& log = *TLogger::GetInstance();
-  TPluginManager::Initialize(TPluginManager::GetInstance()->GetPluginManagerPath());
+  TPluginManager::Initialize(fManager->GetPluginManagerPath());
   TPluginManager& manager = *TPluginManager::GetInstance();
   TContainer& schema = *manager.GetSchema();
   schema.PopulateContainerFromFile(fBaseSchema);

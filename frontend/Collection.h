@@ -1,13 +1,14 @@
 #pragma once
 
 #include <chrono>
-#include <map>
+#include <memory>
 #include <string>
 #include <vector>
 
 #include "frontend/Descriptor.h"
 #include "frontend/PluginHost.h"
 #include "zelcore/TContainer.h"
+#include "zelcore/TPluginManager.h"
 #include "zelcore/zel.h"
 
 namespace zel {
@@ -72,7 +73,8 @@ class TCollection {
   TCollectionOptions fOptions;
   std::string fBaseSchema;
   TDescriptor fDirectory;
-  TContainer* fSchema = nullptr;  // the plug-in manager's
+  std::unique_ptr<TPluginManager> fManager;
+  TContainer* fSchema = nullptr;  // the manager's
   std::vector<TFoundPlugin> fPlugins;
   std::vector<TPluginOutcome> fOutcomes;
   std::string fSystem;  // the instances that the first plug-in collected
