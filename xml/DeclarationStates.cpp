@@ -1,6 +1,5 @@
 #include "xml/DeclarationStates.h"
 
-#include "xml/DocumentStates.h"
 #include "zelcore/TCIMQualifier.h"
 #include "zelcore/TContainer.h"
 

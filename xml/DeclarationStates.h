@@ -2,7 +2,7 @@
 
 #include <memory>
 
-#include "xml/TParseState.h"
+#include "xml/DocumentStates.h"
 #include "zelcore/TCIMClass.h"
 #include "zelcore/TCIMPropertyDecl.h"
 

@@ -3,7 +3,6 @@
 #include <iterator>
 #include <memory>
 
-#include "xml/DocumentStates.h"
 #include "zelcore/TContainer.h"
 
 using TCIMType = TCIMValue::TCIMType;

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "xml/TParseState.h"
+#include "xml/DocumentStates.h"
 #include "zelcore/TCIMInstance.h"
 #include "zelcore/TCIMProperty.h"
 

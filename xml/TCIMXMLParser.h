@@ -73,7 +73,7 @@ class ZEL_API TCIMXMLParser : public TXmlParser {
   // the log; what cannot be read at all becomes NULL of that type.
   TCIMValue ParseValue(TCIMValue::TCIMType type, const std::string& text);
 
- private:
+ protected:
   struct TChildRule;
   class TTableState;
 
@@ -151,6 +151,7 @@ class ZEL_API TCIMXMLParser : public TXmlParser {
     return *role;
   }
 
+ private:
   TContainer& fContainer;
   std::deque<boost::shared_ptr<TParseState>> fStates;
   std::string fText;       // the character data of the current state's element

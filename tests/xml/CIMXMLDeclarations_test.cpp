@@ -40,29 +40,28 @@ TEST(CIMXMLQualifierDeclaration, GetsTypeValueScopeAndFlavor) {
     unsigned int scope;
     unsigned int flavor;
   } kRows[] = {
-      {"TYPE=\"string\"", "", TCIMType::TypeString, "", 0, 3},
-      {"TYPE=\"STRING\"", "<SCOPE/><VALUE>red</VALUE>", TCIMType::TypeString, "red", 0, 3},
-      {"TYPE=\"boolean\" ISARRAY=\"false\"", "<SCOPE CLASS=\"true\"/><VALUE>true</VALUE>",
-       TCIMType::TypeBoolean, "true", 1, 3},
-      {"TYPE=\"uint8\" OVERRIDABLE=\"false\"", "<SCOPE ASSOCIATION=\"true\"/><VALUE>0x1F</VALUE>",
-       TCIMType::TypeUint8, "31", 2, 2},
-      {"TYPE=\"string\" TOSUBCLASS=\"false\"", "<SCOPE PROPERTY=\"true\"/>", TCIMType::TypeString,
-       "", 4, 1},
-      {"TYPE=\"string\" TRANSLATABLE=\"true\"", "<SCOPE REFERENCE=\"true\"/>",
-       TCIMType::TypeString, "", 8, 7},
+      {"TYPE=\"string\"",                                                                   "",                                                           TCIMType::TypeString,                       "",               0,  3},
+      {"TYPE=\"STRING\"",                                                                   "<SCOPE/><VALUE>red</VALUE>",                                 TCIMType::TypeString,                       "red",            0,  3},
+      {"TYPE=\"boolean\" ISARRAY=\"false\"",                                                "<SCOPE CLASS=\"true\"/><VALUE>true</VALUE>",
+       TCIMType::TypeBoolean,                                                                                                                                                                         "true",           1,  3},
+      {"TYPE=\"uint8\" OVERRIDABLE=\"false\"",                                              "<SCOPE ASSOCIATION=\"true\"/><VALUE>0x1F</VALUE>",
+       TCIMType::TypeUint8,                                                                                                                                                                           "31",             2,  2},
+      {"TYPE=\"string\" TOSUBCLASS=\"false\"",                                              "<SCOPE PROPERTY=\"true\"/>",                                 TCIMType::TypeString,
+       "",                                                                                                                                                                                                              4,  1},
+      {"TYPE=\"string\" TRANSLATABLE=\"true\"",                                             "<SCOPE REFERENCE=\"true\"/>",                                TCIMType::TypeString,
+       "",                                                                                                                                                                                                              8,  7},
       {"TYPE=\"string\" OVERRIDABLE=\"false\" TOSUBCLASS=\"false\" TRANSLATABLE=\"false\"",
        "<SCOPE CLASS=\"true\" ASSOCIATION=\"true\" REFERENCE=\"true\" PROPERTY=\"true\" "
-       "METHOD=\"true\" PARAMETER=\"true\" INDICATION=\"true\"/>",
-       TCIMType::TypeString, "", 15, 0},
-      {"TYPE=\"string\"", "<SCOPE CLASS=\"false\" PROPERTY=\"TRUE\" METHOD=\"true\"/>",
-       TCIMType::TypeString, "", 0, 3},
-      {"TYPE=\"string\" ISARRAY=\"true\"", "<SCOPE/>" + kArray,
-       TCIMType::TypeString | TCIMType::TypeArray, "{ red, green }", 0, 3},
-      {"TYPE=\"string\"", "<SCOPE/>" + kArray, TCIMType::TypeString | TCIMType::TypeArray,
-       "{ red, green }", 0, 3},
-      {"TYPE=\"uint16\" ISARRAY=\"true\"", "<SCOPE/>", TCIMType::TypeUint16 | TCIMType::TypeArray,
-       "", 0, 3},
-      {"", "<SCOPE/>", TCIMType::TypeNone, "", 0, 3},
+       "METHOD=\"true\" PARAMETER=\"true\" INDICATION=\"true\"/>",                                                                                        TCIMType::TypeString,                       "",               15, 0},
+      {"TYPE=\"string\"",                                                                   "<SCOPE CLASS=\"false\" PROPERTY=\"TRUE\" METHOD=\"true\"/>",
+       TCIMType::TypeString,                                                                                                                                                                          "",               0,  3},
+      {"TYPE=\"string\" ISARRAY=\"true\"",                                                  "<SCOPE/>" + kArray,
+       TCIMType::TypeString | TCIMType::TypeArray,                                                                                                                                                    "{ red, green }", 0,  3},
+      {"TYPE=\"string\"",                                                                   "<SCOPE/>" + kArray,                                          TCIMType::TypeString | TCIMType::TypeArray,
+       "{ red, green }",                                                                                                                                                                                                0,  3},
+      {"TYPE=\"uint16\" ISARRAY=\"true\"",                                                  "<SCOPE/>",                                                   TCIMType::TypeUint16 | TCIMType::TypeArray,
+       "",                                                                                                                                                                                                              0,  3},
+      {"",                                                                                  "<SCOPE/>",                                                   TCIMType::TypeNone,                         "",               0,  3},
   };
   for (const auto& row : kRows) {
     RestartLog();
@@ -83,8 +82,8 @@ TEST(CIMXMLQualifierDeclaration, KeepsTheArraySize) {
   for (const std::string& value : {std::string(), kArray}) {
     Zoo zoo;
     EXPECT_EQ("zelStatusOK",
-              zoo.ReadGroup(QualifierDeclaration(
-                  "TYPE=\"string\" ISARRAY=\"true\" ARRAYSIZE=\"5\"", "<SCOPE/>" + value)));
+              zoo.ReadGroup(QualifierDeclaration("TYPE=\"string\" ISARRAY=\"true\" ARRAYSIZE=\"5\"",
+                                                 "<SCOPE/>" + value)));
     EXPECT_EQ(5U, zoo.fContainer.GetQualifierDecl("Colour")->GetValue().GetMaxArraySize());
   }
 }
@@ -104,13 +103,13 @@ TEST(CIMXMLQualifierDeclaration, RefusesArrayAttributesThatContradict) {
     const char* attributes;
     std::string value;
   } kRows[] = {
-      {"ISARRAY=\"false\"",                   kArray              },
-      {"ISARRAY=\"TRUE\"",                    kArray              },
-      {"ISARRAY=\"true\"",                    "<VALUE>red</VALUE>"},
-      {"ISARRAY=\"false\" ARRAYSIZE=\"5\"",   ""                  },
-      {"ISARRAY=\"false\" ARRAYSIZE=\"0\"",   ""                  },
-      {"ARRAYSIZE=\"5\"",                     "<VALUE>red</VALUE>"},
-      {"ARRAYSIZE=\"5\"",                     ""                  },
+      {"ISARRAY=\"false\"",                 kArray              },
+      {"ISARRAY=\"TRUE\"",                  kArray              },
+      {"ISARRAY=\"true\"",                  "<VALUE>red</VALUE>"},
+      {"ISARRAY=\"false\" ARRAYSIZE=\"5\"", ""                  },
+      {"ISARRAY=\"false\" ARRAYSIZE=\"0\"", ""                  },
+      {"ARRAYSIZE=\"5\"",                   "<VALUE>red</VALUE>"},
+      {"ARRAYSIZE=\"5\"",                   ""                  },
   };
   for (const auto& row : kRows) {
     ExpectFatal(QualifierDeclaration(std::string("TYPE=\"string\" ") + row.attributes,
@@ -147,20 +146,20 @@ TEST(CIMXMLQualifier, GetsValueFlavorAndPropagation) {
     unsigned int flavor;
     bool propagated;
   } kRows[] = {
-      // The declaration's flavor, here overridable, to subclasses and translatable, is the start.
-      {Qualifier("Description", "", "<VALUE>A</VALUE>"), "A", 7, false},
-      {Qualifier("description", "TYPE=\"string\" OVERRIDABLE=\"false\"", "<VALUE>A</VALUE>"), "A",
-       6, false},
-      {Qualifier("Description", "TOSUBCLASS=\"false\" PROPAGATED=\"true\"", "<VALUE>A</VALUE>"),
-       "A", 5, true},
+  // The declaration's flavor, here overridable, to subclasses and translatable, is the start.
+      {Qualifier("Description", "",                                           "<VALUE>A</VALUE>"),    "A",              7, false},
+      {Qualifier("description", "TYPE=\"string\" OVERRIDABLE=\"false\"",      "<VALUE>A</VALUE>"),    "A",
+       6,                                                                                                                  false},
+      {Qualifier("Description", "TOSUBCLASS=\"false\" PROPAGATED=\"true\"",   "<VALUE>A</VALUE>"),
+       "A",                                                                                                             5, true },
       {Qualifier("Description", "TRANSLATABLE=\"FALSE\" PROPAGATED=\"TRUE\"", "<VALUE>A</VALUE>"),
-       "A", 3, false},
-      {Qualifier("Abstract", "TOSUBCLASS=\"true\"", "<VALUE>true</VALUE>"), "true", 3, false},
-      {Qualifier("Abstract", "", "<VALUE>TRUE</VALUE>"), "false", 1, false},
-      {Qualifier("Values", "TYPE=\"string\"", kArray), "{ red, green }", 3, false},
-      {Qualifier("Values", "TYPE=\"string\"", "<VALUE.ARRAY/>"), "{  }", 3, false},
-      // The declaration's type holds.
-      {Qualifier("Description", "TYPE=\"uint8\"", "<VALUE>07</VALUE>"), "07", 7, false},
+       "A",                                                                                                             3, false},
+      {Qualifier("Abstract",    "TOSUBCLASS=\"true\"",                        "<VALUE>true</VALUE>"), "true",           3, false},
+      {Qualifier("Abstract",    "",                                           "<VALUE>TRUE</VALUE>"), "false",          1, false},
+      {Qualifier("Values",      "TYPE=\"string\"",                            kArray),                "{ red, green }", 3, false},
+      {Qualifier("Values",      "TYPE=\"string\"",                            "<VALUE.ARRAY/>"),      "{  }",           3, false},
+ // The declaration's type holds.
+      {Qualifier("Description", "TYPE=\"uint8\"",                             "<VALUE>07</VALUE>"),   "07",             7, false},
   };
   for (const auto& row : kRows) {
     Zoo zoo;
@@ -179,10 +178,10 @@ TEST(CIMXMLQualifier, IsNullOfTheDeclaredTypeWithoutAFittingValue) {
     std::string content;
     unsigned int type;
   } kRows[] = {
-      {"Description", "", TCIMType::TypeString},
-      {"Description", kArray, TCIMType::TypeString},
-      {"Values", "", TCIMType::TypeString | TCIMType::TypeArray},
-      {"Values", "<VALUE>red</VALUE>", TCIMType::TypeString | TCIMType::TypeArray},
+      {"Description", "",                   TCIMType::TypeString                      },
+      {"Description", kArray,               TCIMType::TypeString                      },
+      {"Values",      "",                   TCIMType::TypeString | TCIMType::TypeArray},
+      {"Values",      "<VALUE>red</VALUE>", TCIMType::TypeString | TCIMType::TypeArray},
   };
   for (const auto& row : kRows) {
     Zoo zoo;
@@ -199,10 +198,11 @@ TEST(CIMXMLQualifier, IsTakenFromTheContainer) {
     RestartLog();
     Zoo zoo;
     const std::string unknown = Qualifier("Flavour", "TYPE=\"string\"", "");
-    EXPECT_EQ("zelStatusNotFound",
-              zoo.ReadClass("NAME=\"A\"", place == "Class" ? unknown
-                                                           : "<PROPERTY NAME=\"P\" TYPE=\"string\">" +
-                                                                 unknown + "</PROPERTY>"));
+    EXPECT_EQ(
+        "zelStatusNotFound",
+        zoo.ReadClass("NAME=\"A\"", place == "Class" ? unknown
+                                                     : "<PROPERTY NAME=\"P\" TYPE=\"string\">" +
+                                                           unknown + "</PROPERTY>"));
     EXPECT_THAT(LogLines(), ElementsAre("TCIMXMLParser: Couldn't find qualifier Flavour",
                                         "TCIMXMLParser: Threw exception zelStatusNotFound on "
                                         "line 1"));
@@ -216,9 +216,9 @@ TEST(CIMXMLQualifier, MayRepeatOneThatIsNotOverridable) {
   EXPECT_EQ("zelStatusOK", zoo.ReadClass("NAME=\"A\"", "<PROPERTY NAME=\"Id\" TYPE=\"string\">" +
                                                            kKey + kKey + "</PROPERTY>"));
   EXPECT_EQ("zelStatusNotOverridable",
-            zoo.ReadClass("NAME=\"B\"",
-                          "<PROPERTY NAME=\"Id\" TYPE=\"string\">" + kKey +
-                              Qualifier("Key", "", "<VALUE>false</VALUE>") + "</PROPERTY>"));
+            zoo.ReadClass("NAME=\"B\"", "<PROPERTY NAME=\"Id\" TYPE=\"string\">" + kKey +
+                                            Qualifier("Key", "", "<VALUE>false</VALUE>") +
+                                            "</PROPERTY>"));
   EXPECT_EQ(nullptr, zoo.fContainer.FindClass("B"));
 }
 
@@ -259,49 +259,48 @@ TEST(CIMXMLClass, NeedsItsSuperclassInTheContainer) {
               ElementsAre("TCIMXMLParser: Threw exception zelStatusNotFound on line 1"));
 }
 
+// The class A, or another that the container has, is refused with the model's code and line.
+void ExpectRefused(const std::string& attributes, const std::string& content,
+                   const std::string& status, const std::string& line) {
+  RestartLog();
+  SetLogThreshold(zelLogDebug);
+  Zoo zoo;
+  EXPECT_EQ(status, zoo.ReadClass(attributes, content));
+  EXPECT_THAT(LogLines(),
+              ElementsAre(line, "TCIMXMLParser: Threw exception " + status + " on line 1"));
+  EXPECT_THAT(zoo.fCollected, IsEmpty());
+  EXPECT_EQ(nullptr, zoo.fContainer.FindClass("A"));
+}
+
 TEST(CIMXMLClass, IsRefusedByTheModelWithTheModelsCode) {
-  const struct {
-    const char* attributes;
-    std::string content;
-    const char* status;
-    const char* line;  // of the model
-  } kRows[] = {
-      {"NAME=\"A\"", "", "zelStatusInvalidClass", "Class A has no keys"},
-      // Keys are written in lower case, or are none.
-      {"NAME=\"A\"",
-       "<PROPERTY NAME=\"Id\" TYPE=\"string\">" + Qualifier("Key", "", "<VALUE>TRUE</VALUE>") +
-           "</PROPERTY>",
-       "zelStatusInvalidClass", "Class A has no keys"},
-      {"NAME=\"zoo_animal\"", kKeyed, "zelStatusAlreadyExists",
-       "TContainer: class zoo_animal already defined"},
-      {"NAME=\"a-b\"", kKeyed, "zelStatusInvalidCIMName", "CIM name 'a-b' is invalid"},
-      {"NAME=\"A\" SUPERCLASS=\"Zoo_Animal\"", "<PROPERTY NAME=\"LEGS\" TYPE=\"uint16\"/>",
-       "zelStatusAlreadyExists", "Attempt to add property LEGS to class A: already exists"},
-      // Inherited properties cannot be written again, marked as propagated or not.
-      {"NAME=\"A\" SUPERCLASS=\"Zoo_Animal\"",
-       "<PROPERTY NAME=\"Legs\" TYPE=\"uint16\" CLASSORIGIN=\"Zoo_Animal\" PROPAGATED=\"true\"/>",
-       "zelStatusAlreadyExists", "Attempt to add property Legs to class A: already exists"},
-      {"NAME=\"A\"",
-       kKeyed + "<PROPERTY.REFERENCE NAME=\"Who\" REFERENCECLASS=\"Zoo_Animal\"/>",
-       "zelStatusNotAssociation",
-       "Attempt to add reference property Who to non-association class A"},
-      // An overriding property repeats its key.
-      {"NAME=\"A\" SUPERCLASS=\"Zoo_Animal\"",
-       "<PROPERTY NAME=\"Name\" TYPE=\"string\">" +
-           Qualifier("Override", "", "<VALUE>Name</VALUE>") + "</PROPERTY>",
-       "zelStatusInvalidClass", "Class A has no keys"},
-  };
-  for (const auto& row : kRows) {
-    RestartLog();
-    SetLogThreshold(zelLogDebug);
-    Zoo zoo;
-    EXPECT_EQ(row.status, zoo.ReadClass(row.attributes, row.content));
-    EXPECT_THAT(LogLines(),
-                ElementsAre(row.line, "TCIMXMLParser: Threw exception " + std::string(row.status) +
-                                          " on line 1"));
-    EXPECT_THAT(zoo.fCollected, IsEmpty());
-    EXPECT_EQ(nullptr, zoo.fContainer.FindClass("A"));
-  }
+  const std::string kDerived = "NAME=\"A\" SUPERCLASS=\"Zoo_Animal\"";
+  const std::string kNoKeys = "Class A has no keys";
+  ExpectRefused("NAME=\"A\"", "", "zelStatusInvalidClass", kNoKeys);
+  // Keys are written in lower case, or are none.
+  ExpectRefused("NAME=\"A\"",
+                "<PROPERTY NAME=\"Id\" TYPE=\"string\">" +
+                    Qualifier("Key", "", "<VALUE>TRUE</VALUE>") + "</PROPERTY>",
+                "zelStatusInvalidClass", kNoKeys);
+  // An overriding property repeats its key.
+  ExpectRefused(kDerived,
+                "<PROPERTY NAME=\"Name\" TYPE=\"string\">" +
+                    Qualifier("Override", "", "<VALUE>Name</VALUE>") + "</PROPERTY>",
+                "zelStatusInvalidClass", kNoKeys);
+  ExpectRefused("NAME=\"zoo_animal\"", kKeyed, "zelStatusAlreadyExists",
+                "TContainer: class zoo_animal already defined");
+  ExpectRefused("NAME=\"a-b\"", kKeyed, "zelStatusInvalidCIMName", "CIM name 'a-b' is invalid");
+  ExpectRefused(kDerived, "<PROPERTY NAME=\"LEGS\" TYPE=\"uint16\"/>", "zelStatusAlreadyExists",
+                "Attempt to add property LEGS to class A: already exists");
+  // Inherited properties cannot be written again, marked as propagated or not.
+  ExpectRefused(kDerived,
+                "<PROPERTY NAME=\"Legs\" TYPE=\"uint16\" CLASSORIGIN=\"Zoo_Animal\" "
+                "PROPAGATED=\"true\"/>",
+                "zelStatusAlreadyExists",
+                "Attempt to add property Legs to class A: already exists");
+  ExpectRefused("NAME=\"A\"",
+                kKeyed + "<PROPERTY.REFERENCE NAME=\"Who\" REFERENCECLASS=\"Zoo_Animal\"/>",
+                "zelStatusNotAssociation",
+                "Attempt to add reference property Who to non-association class A");
 }
 
 TEST(CIMXMLClass, PassesOverMethods) {
@@ -327,19 +326,18 @@ TEST(CIMXMLPropertyDecl, GetsTypeAndDefault) {
     unsigned int arraySize;
   } kRows[] = {
       {"<PROPERTY NAME=\"P\" TYPE=\"sint32\" CLASSORIGIN=\"A\" PROPAGATED=\"false\"/>",
-       TCIMType::TypeSint32, "", 0},
-      {"<PROPERTY NAME=\"P\" TYPE=\"sint32\"><VALUE>-5</VALUE></PROPERTY>", TCIMType::TypeSint32,
-       "-5", 0},
-      {"<PROPERTY NAME=\"P\" TYPE=\"string\"><VALUE/></PROPERTY>", TCIMType::TypeString, "", 0},
-      {"<PROPERTY NAME=\"P\" TYPE=\"uint8\" ARRAYSIZE=\"3\"/>", TCIMType::TypeUint8, "", 0},
-      {"<PROPERTY.ARRAY NAME=\"P\" TYPE=\"uint8\"/>", TCIMType::TypeUint8 | TCIMType::TypeArray,
-       "", 0},
+       TCIMType::TypeSint32,                                                                                                       "",         0},
+      {"<PROPERTY NAME=\"P\" TYPE=\"sint32\"><VALUE>-5</VALUE></PROPERTY>",             TCIMType::TypeSint32,
+       "-5",                                                                                                                                   0},
+      {"<PROPERTY NAME=\"P\" TYPE=\"string\"><VALUE/></PROPERTY>",                      TCIMType::TypeString,                      "",         0},
+      {"<PROPERTY NAME=\"P\" TYPE=\"uint8\" ARRAYSIZE=\"3\"/>",                         TCIMType::TypeUint8,                       "",         0},
+      {"<PROPERTY.ARRAY NAME=\"P\" TYPE=\"uint8\"/>",                                   TCIMType::TypeUint8 | TCIMType::TypeArray, "",
+       0                                                                                                                                        },
       {"<PROPERTY.ARRAY NAME=\"P\" TYPE=\"uint8\" ARRAYSIZE=\"3\"/>",
-       TCIMType::TypeUint8 | TCIMType::TypeArray, "", 3},
+       TCIMType::TypeUint8 | TCIMType::TypeArray,                                                                                  "",         3},
       {"<PROPERTY.ARRAY NAME=\"P\" TYPE=\"uint8\" ARRAYSIZE=\"1\"><VALUE.ARRAY><VALUE>1</VALUE>"
-       "<VALUE>2</VALUE></VALUE.ARRAY></PROPERTY.ARRAY>",
-       TCIMType::TypeUint8 | TCIMType::TypeArray, "{ 1, 2 }", 1},
-      {"<PROPERTY NAME=\"P\"><VALUE>5</VALUE></PROPERTY>", TCIMType::TypeNone, "", 0},
+       "<VALUE>2</VALUE></VALUE.ARRAY></PROPERTY.ARRAY>",                        TCIMType::TypeUint8 | TCIMType::TypeArray, "{ 1, 2 }", 1},
+      {"<PROPERTY NAME=\"P\"><VALUE>5</VALUE></PROPERTY>",                              TCIMType::TypeNone,                        "",         0},
   };
   for (const auto& row : kRows) {
     Zoo zoo;
@@ -411,9 +409,8 @@ TEST(CIMXMLPropertyDecl, ReferencesAClassOfTheContainer) {
 TEST(CIMXMLPropertyDecl, FailsWithATypeThatIsNone) {
   Zoo zoo;
   for (const char* type : {"char16", "reference"}) {
-    EXPECT_EQ("zelStatusTypeMismatch",
-              zoo.ReadClass("NAME=\"A\"",
-                            "<PROPERTY NAME=\"P\" TYPE=\"" + std::string(type) + "\"/>"));
+    EXPECT_EQ("zelStatusTypeMismatch", zoo.ReadClass("NAME=\"A\"", "<PROPERTY NAME=\"P\" TYPE=\"" +
+                                                                       std::string(type) + "\"/>"));
   }
 }
 

@@ -32,19 +32,19 @@ std::string KeyBinding(const std::string& name, const std::string& content) {
 
 TEST(CIMXMLInstance, GetsItsProperties) {
   Zoo zoo;
-  EXPECT_EQ("zelStatusOK",
-            zoo.ReadInstance(
-                "zoo_ANIMAL",
-                Property("NAME=\"NAME\" TYPE=\"String\" CLASSORIGIN=\"Zoo_Animal\" "
-                         "PROPAGATED=\"true\"",
-                         "Tom") +
-                    Property("NAME=\"Legs\" TYPE=\"uint16\"", "3") +
-                    Property("NAME=\"Tame\"", "true") +
-                    Property("NAME=\"Born\" TYPE=\"datetime\"", "20190930141946.000000+000") +
-                    "<PROPERTY.ARRAY NAME=\"Tags\" TYPE=\"string\"><VALUE.ARRAY><VALUE>a</VALUE>"
-                    "<VALUE/></VALUE.ARRAY></PROPERTY.ARRAY>"
-                    "<PROPERTY.ARRAY NAME=\"Counts\" TYPE=\"uint8\" ARRAYSIZE=\"1\"><VALUE.ARRAY>"
-                    "<VALUE>1</VALUE><VALUE>0x10</VALUE></VALUE.ARRAY></PROPERTY.ARRAY>"));
+  EXPECT_EQ(
+      "zelStatusOK",
+      zoo.ReadInstance(
+          "zoo_ANIMAL",
+          Property("NAME=\"NAME\" TYPE=\"String\" CLASSORIGIN=\"Zoo_Animal\" "
+                   "PROPAGATED=\"true\"",
+                   "Tom") +
+              Property("NAME=\"Legs\" TYPE=\"uint16\"", "3") + Property("NAME=\"Tame\"", "true") +
+              Property("NAME=\"Born\" TYPE=\"datetime\"", "20190930141946.000000+000") +
+              "<PROPERTY.ARRAY NAME=\"Tags\" TYPE=\"string\"><VALUE.ARRAY><VALUE>a</VALUE>"
+              "<VALUE/></VALUE.ARRAY></PROPERTY.ARRAY>"
+              "<PROPERTY.ARRAY NAME=\"Counts\" TYPE=\"uint8\" ARRAYSIZE=\"1\"><VALUE.ARRAY>"
+              "<VALUE>1</VALUE><VALUE>0x10</VALUE></VALUE.ARRAY></PROPERTY.ARRAY>"));
   EXPECT_EQ("Tom", zoo.ValueOf("Zoo_Animal", "Name").ToString(10));
   EXPECT_EQ("3", zoo.ValueOf("Zoo_Animal", "Legs").ToString(10));
   EXPECT_TRUE(static_cast<bool>(zoo.ValueOf("Zoo_Animal", "Tame")));
@@ -58,12 +58,11 @@ TEST(CIMXMLInstance, GetsItsProperties) {
 TEST(CIMXMLInstance, LeavesPropertiesWithoutValueAlone) {
   Zoo zoo;
   EXPECT_EQ("zelStatusOK",
-            zoo.ReadInstance("Zoo_Animal", kTom +
-                                               "<PROPERTY NAME=\"Legs\" TYPE=\"uint16\"/>"
-                                               "<PROPERTY NAME=\"Tame\"></PROPERTY>"
-                                               "<PROPERTY.ARRAY NAME=\"Tags\" TYPE=\"string\"/>"
-                                               "<PROPERTY.ARRAY NAME=\"Counts\"><VALUE.ARRAY/>"
-                                               "</PROPERTY.ARRAY>"));
+            zoo.ReadInstance("Zoo_Animal", kTom + "<PROPERTY NAME=\"Legs\" TYPE=\"uint16\"/>"
+                                                  "<PROPERTY NAME=\"Tame\"></PROPERTY>"
+                                                  "<PROPERTY.ARRAY NAME=\"Tags\" TYPE=\"string\"/>"
+                                                  "<PROPERTY.ARRAY NAME=\"Counts\"><VALUE.ARRAY/>"
+                                                  "</PROPERTY.ARRAY>"));
   EXPECT_EQ("4", zoo.ValueOf("Zoo_Animal", "Legs").ToString(10));
   EXPECT_TRUE(zoo.ValueOf("Zoo_Animal", "Tame").IsNull());
   EXPECT_TRUE(zoo.ValueOf("Zoo_Animal", "Tags").IsNull());
@@ -78,10 +77,10 @@ TEST(CIMXMLInstance, NeedsItsClassInTheContainer) {
                           "TCIMXMLParser: Threw exception zelStatusNotFound on line 1"));
   ClearLog();
   EXPECT_EQ("zelStatusInvalidCIMName", zoo.ReadInstance("Zoo-Fish", ""));
-  EXPECT_THAT(LogLines(zelLogError),
-              ElementsAre("CIM name 'Zoo-Fish' is invalid",
-                          "TCIMXMLParser: Couldn't find class Zoo-Fish",
-                          "TCIMXMLParser: Threw exception zelStatusInvalidCIMName on line 1"));
+  EXPECT_THAT(
+      LogLines(zelLogError),
+      ElementsAre("CIM name 'Zoo-Fish' is invalid", "TCIMXMLParser: Couldn't find class Zoo-Fish",
+                  "TCIMXMLParser: Threw exception zelStatusInvalidCIMName on line 1"));
 }
 
 TEST(CIMXMLInstance, NeedsItsPropertiesInTheClass) {
@@ -125,8 +124,7 @@ TEST(CIMXMLInstance, NeedsTheDeclaredTypesWhereTypesAreGiven) {
 TEST(CIMXMLInstance, MeetsTheModelWhereNoTypeIsGiven) {
   Zoo zoo;
   // A scalar is no value of an array, and an array none of a scalar.
-  EXPECT_EQ("zelStatusOK",
-            zoo.ReadInstance("Zoo_Animal", kTom + Property("NAME=\"Tags\"", "a")));
+  EXPECT_EQ("zelStatusOK", zoo.ReadInstance("Zoo_Animal", kTom + Property("NAME=\"Tags\"", "a")));
   EXPECT_TRUE(zoo.ValueOf("Zoo_Animal", "Tags").IsNull());
   EXPECT_EQ("zelStatusTypeMismatch",
             zoo.ReadInstance("Zoo_Animal",
@@ -162,8 +160,7 @@ TEST(CIMXMLInstance, MayRepeatAPath) {
 
 TEST(CIMXMLInstance, MayBelongToTheRootClass) {
   Zoo zoo;
-  EXPECT_EQ("zelStatusOK",
-            zoo.ReadGroup("<VALUE.OBJECT><INSTANCE></INSTANCE></VALUE.OBJECT>"));
+  EXPECT_EQ("zelStatusOK", zoo.ReadGroup("<VALUE.OBJECT><INSTANCE></INSTANCE></VALUE.OBJECT>"));
   EXPECT_EQ(1U, zoo.fContainer.GetRootClass()->EnumerateInstances(false).size());
 }
 
@@ -173,8 +170,8 @@ TEST(CIMXMLReference, NamesAnInstanceInEveryForm) {
   const std::string kForms[] = {
       AnimalName("Tom"),
       // The key's spelling is the declaration's, and the class's is the class's own.
-      "<INSTANCENAME CLASSNAME=\"ZOO_ANIMAL\">" +
-          KeyBinding("NAME", "<KEYVALUE>Tom</KEYVALUE>") + "</INSTANCENAME>",
+      "<INSTANCENAME CLASSNAME=\"ZOO_ANIMAL\">" + KeyBinding("NAME", "<KEYVALUE>Tom</KEYVALUE>") +
+          "</INSTANCENAME>",
       "<LOCALINSTANCEPATH>" + kNamespaces + AnimalName("Tom") + "</LOCALINSTANCEPATH>",
       "<INSTANCEPATH><NAMESPACEPATH><HOST>h</HOST>" + kNamespaces + "</NAMESPACEPATH>" +
           AnimalName("Tom") + "</INSTANCEPATH>",
@@ -232,10 +229,12 @@ TEST(CIMXMLReference, GivesKeysTheirDeclaredTypes) {
             zoo.ReadInstance("Zoo_Lives",
                              "<PROPERTY.REFERENCE NAME=\"Cage\"><VALUE.REFERENCE>"
                              "<INSTANCENAME CLASSNAME=\"Zoo_Cage\">" +
-                                 KeyBinding("Row", "<KEYVALUE VALUETYPE=\"numeric\">0x0F"
-                                                   "</KEYVALUE>") +
-                                 KeyBinding("number", "<KEYVALUE VALUETYPE=\"string\" "
-                                                      "TYPE=\"string\">many</KEYVALUE>") +
+                                 KeyBinding("Row",
+                                            "<KEYVALUE VALUETYPE=\"numeric\">0x0F"
+                                            "</KEYVALUE>") +
+                                 KeyBinding("number",
+                                            "<KEYVALUE VALUETYPE=\"string\" "
+                                            "TYPE=\"string\">many</KEYVALUE>") +
                                  "</INSTANCENAME></VALUE.REFERENCE></PROPERTY.REFERENCE>"));
   const TCIMReference cage = zoo.ValueOf("Zoo_Lives", "Cage");
   EXPECT_EQ("Zoo_Cage.Number=\"0\",Row=\"15\"", cage.GetPath());
@@ -274,38 +273,33 @@ TEST(CIMXMLReference, BindsReferencesAsKeys) {
                                              "</QUALIFIER>" +
                                                  reference));
     }
-    EXPECT_EQ("zelStatusOK",
-              zoo.ReadInstance("Zoo_Box",
-                               "<PROPERTY.REFERENCE NAME=\"Meal\"><VALUE.REFERENCE>"
-                               "<INSTANCENAME CLASSNAME=\"Zoo_Food\">" +
-                                   name +
-                                   "</INSTANCENAME></VALUE.REFERENCE></PROPERTY.REFERENCE>"));
-    EXPECT_EQ("Zoo_Food.Meal=\"" + kMealPath + "\"",
-              zoo.ValueOf("Zoo_Box", "Meal").ToString(10));
+    EXPECT_EQ(
+        "zelStatusOK",
+        zoo.ReadInstance("Zoo_Box",
+                         "<PROPERTY.REFERENCE NAME=\"Meal\"><VALUE.REFERENCE>"
+                         "<INSTANCENAME CLASSNAME=\"Zoo_Food\">" +
+                             name + "</INSTANCENAME></VALUE.REFERENCE></PROPERTY.REFERENCE>"));
+    EXPECT_EQ("Zoo_Food.Meal=\"" + kMealPath + "\"", zoo.ValueOf("Zoo_Box", "Meal").ToString(10));
   }
 }
 
 TEST(CIMXMLReference, NeedsClassAndKeysInTheContainer) {
-  const struct {
-    std::string path;
-    const char* message;
-  } kRows[] = {
-      {"<INSTANCENAME CLASSNAME=\"Zoo_Fish\"/>", "Couldn't find class name Zoo_Fish"},
-      {"<INSTANCENAME CLASSNAME=\"Zoo_Idea\"/>",
-       "Class Zoo_Idea doesn't have any key properties"},
-      {"<INSTANCENAME CLASSNAME=\"Zoo_Idea\"><KEYVALUE>a</KEYVALUE></INSTANCENAME>",
-       "Class Zoo_Idea doesn't have any key properties"},
-      {"<INSTANCENAME CLASSNAME=\"Zoo_Animal\">" +
-           KeyBinding("Wings", "<KEYVALUE>2</KEYVALUE>") + "</INSTANCENAME>",
-       "Couldn't find property name Wings in class Zoo_Animal"},
-      {"<INSTANCENAME CLASSNAME=\"Zoo_Animal\">" + KeyBinding("Wings", "") + "</INSTANCENAME>",
-       "Couldn't find property name Wings in class Zoo_Animal"},
-  };
-  for (const auto& row : kRows) {
+  const auto expectFatal = [](const std::string& path, const std::string& message) {
     RestartLog();
     Zoo zoo;
-    EXPECT_EQ("zelStatusInvalidSpecificationDocument", ReadEater(zoo, row.path)) << row.path;
-    EXPECT_THAT(LogLines(zelLogError), ElementsAreArray(FatalLines(1, row.message)));
+    EXPECT_EQ("zelStatusInvalidSpecificationDocument", ReadEater(zoo, path)) << path;
+    EXPECT_THAT(LogLines(zelLogError), ElementsAreArray(FatalLines(1, message)));
+  };
+  const auto name = [](const std::string& className, const std::string& content) {
+    return "<INSTANCENAME CLASSNAME=\"" + className + "\">" + content + "</INSTANCENAME>";
+  };
+  const std::string kValue = "<KEYVALUE>2</KEYVALUE>";
+  expectFatal(name("Zoo_Fish", ""), "Couldn't find class name Zoo_Fish");
+  expectFatal(name("Zoo_Idea", ""), "Class Zoo_Idea doesn't have any key properties");
+  expectFatal(name("Zoo_Idea", kValue), "Class Zoo_Idea doesn't have any key properties");
+  for (const std::string& value : {kValue, std::string()}) {
+    expectFatal(name("Zoo_Animal", KeyBinding("Wings", value)),
+                "Couldn't find property name Wings in class Zoo_Animal");
   }
 }
 
@@ -323,9 +317,9 @@ TEST(CIMXMLReference, RefusesBindingsThatTheModelRefuses) {
                                "</INSTANCENAME>"));
   EXPECT_EQ("Declaration type: string Value type: reference", LogLines().at(0));
   ClearLog();
-  EXPECT_EQ("zelStatusTypeMismatch",
-            zoo.ReadInstance("Zoo_Eats",
-                             Reference("Eater", "<INSTANCENAME CLASSNAME=\"Zoo_Cage\"/>")));
+  EXPECT_EQ(
+      "zelStatusTypeMismatch",
+      zoo.ReadInstance("Zoo_Eats", Reference("Eater", "<INSTANCENAME CLASSNAME=\"Zoo_Cage\"/>")));
   EXPECT_EQ("SetValue: decl references type Zoo_Animal but value references Zoo_Cage",
             LogLines().at(0));
 }
@@ -386,8 +380,7 @@ TEST(CIMXMLReference, NestsToADepth) {
                                          "</PROPERTY.REFERENCE>"));
   EXPECT_EQ("zelStatusOK", zoo.ReadInstance("Zoo_Knot", Nested(60)));
   EXPECT_THAT(LogLines(), IsEmpty());
-  EXPECT_EQ("zelStatusInvalidSpecificationDocument",
-            zoo.ReadInstance("Zoo_Knot", Nested(100000)));
+  EXPECT_EQ("zelStatusInvalidSpecificationDocument", zoo.ReadInstance("Zoo_Knot", Nested(100000)));
   EXPECT_THAT(LogLines().at(0), testing::StartsWith("CIM-XML Parser line 1:Unexpected element "));
 }
 

@@ -38,8 +38,7 @@ void ExpectFatal(const std::string& document, const std::string& message) {
 
 TEST(CIMXMLRequests, CreateClassesAndInstances) {
   Zoo zoo;
-  EXPECT_EQ("zelStatusOK",
-            zoo.Read(Message(Request("CreateClass", Parameter("NewClass", kBird)))));
+  EXPECT_EQ("zelStatusOK", zoo.Read(Message(Request("CreateClass", Parameter("NewClass", kBird)))));
   EXPECT_NE(nullptr, zoo.fContainer.FindClass("Zoo_Bird"));
   // Classes of requests are not collected.
   EXPECT_THAT(zoo.fCollected, IsEmpty());
@@ -85,8 +84,8 @@ TEST(CIMXMLRequests, MustHoldAnObject) {
   ExpectFatal(Message(Request("CreateClass", Parameter("NewClass", ""))),
               "CIM element syntax error");
   // An object that was handed over is not held any more.
-  ExpectFatal(Message(Request("CreateInstance", Parameter("NewInstance", kTom) +
-                                                    Parameter("NewInstance", " "))),
+  ExpectFatal(Message(Request("CreateInstance",
+                              Parameter("NewInstance", kTom) + Parameter("NewInstance", " "))),
               "CIM element syntax error");
 }
 
@@ -119,10 +118,10 @@ TEST(CIMXMLGroups, TakeObjectsInThreeForms) {
 
 TEST(CIMXMLGroups, TellObjectsByThemselvesAndNotByThePathBefore) {
   Zoo zoo;
-  EXPECT_EQ("zelStatusOK",
-            zoo.Read(InCIM("<DECLARATION><DECLGROUP.WITHNAME><VALUE.NAMEDOBJECT>" +
-                           AnimalName("Tim") + kTom +
-                           "</VALUE.NAMEDOBJECT></DECLGROUP.WITHNAME></DECLARATION>")));
+  EXPECT_EQ(
+      "zelStatusOK",
+      zoo.Read(InCIM("<DECLARATION><DECLGROUP.WITHNAME><VALUE.NAMEDOBJECT>" + AnimalName("Tim") +
+                     kTom + "</VALUE.NAMEDOBJECT></DECLGROUP.WITHNAME></DECLARATION>")));
   EXPECT_THAT(zoo.Paths("Zoo_Animal"), ElementsAre("Zoo_Animal.Name=\"Tom\""));
 }
 

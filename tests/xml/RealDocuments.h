@@ -81,4 +81,3 @@ class RealDocuments : public testing::Test {
   std::unique_ptr<TContainer> fContainer = std::make_unique<TContainer>();
   std::size_t fCollected = 0;  // by the last Load()
 };
-

@@ -55,10 +55,10 @@ class RealSchema : public RealDocuments {
     EXPECT_EQ(row.at("association"), Bool(cls->IsAssociation())) << cls->GetName();
     const auto decls = cls->EnumeratePropertyDecls();
     EXPECT_EQ(row.at("properties_total"), std::to_string(decls.size())) << cls->GetName();
-    EXPECT_EQ(row.at("properties_own"),
-              std::to_string(std::count_if(decls.begin(), decls.end(), [&](const auto* decl) {
-                return decl->GetClass() == cls;
-              })))
+    EXPECT_EQ(
+        row.at("properties_own"),
+        std::to_string(std::count_if(decls.begin(), decls.end(),
+                                     [&](const auto* decl) { return decl->GetClass() == cls; })))
         << cls->GetName();
     const std::vector<std::string> keys = cls->EnumerateKeyNames();
     const std::vector<std::string> expected = Split(row.at("key_properties"), ',');
@@ -99,7 +99,8 @@ class RealSchema : public RealDocuments {
       if (value.is_object()) {
         reference.AddKeyValue(decl.GetName(), TCIMValue(PathOf(value)));
       } else {
-        reference.AddKeyValue(decl.GetName(), TCIMValue(decl.GetType(), TextOf(value), *fContainer));
+        reference.AddKeyValue(decl.GetName(),
+                              TCIMValue(decl.GetType(), TextOf(value), *fContainer));
       }
     }
     return reference;
@@ -158,10 +159,11 @@ TEST_F(RealSchema, TheWholeSchemaHasAllItsProperties) {
 // The classes come from an abridged schema with the same properties.
 TEST_F(RealSchema, TheInventoryClassesAreTheSameInEveryForm) {
   std::map<std::string, TRow> classes;
-  for (const TRow& row : ReadTable("schema/dmtf-2.49.0-classes.tsv")) classes[row.at("class")] = row;
+  for (const TRow& row : ReadTable("schema/dmtf-2.49.0-classes.tsv"))
+    classes[row.at("class")] = row;
   const std::vector<TRow> properties = ReadTable("schema/dmtf-2.49.0-properties.tsv.gz");
-  for (const char* form : {"declgroup.xml", "declgroup.xml.gz", "withname.xml.gz",
-                           "withpath.xml.gz"}) {
+  for (const char* form :
+       {"declgroup.xml", "declgroup.xml.gz", "withname.xml.gz", "withpath.xml.gz"}) {
     fContainer = std::make_unique<TContainer>();
     ASSERT_EQ("zelStatusOK", Load(std::string("schema/inventory-classes-") + form)) << form;
     EXPECT_THAT(LogLines(), IsEmpty()) << form;
@@ -178,10 +180,10 @@ TEST_F(RealSchema, TheInventoryClassesAreTheSameInEveryForm) {
 
 TEST_F(RealSchema, TheHostIsTheSameInEveryForm) {
   const char* const kForms[][2] = {
-      {"inventory-classes-declgroup.xml",    "value-object"},
-      {"inventory-classes-withname.xml.gz",  "withname"    },
-      {"inventory-classes-withpath.xml.gz",  "withpath"    },
-      {"dmtf-2.49.0-declarations.xml.gz",    "value-object"},
+      {"inventory-classes-declgroup.xml",   "value-object"},
+      {"inventory-classes-withname.xml.gz", "withname"    },
+      {"inventory-classes-withpath.xml.gz", "withpath"    },
+      {"dmtf-2.49.0-declarations.xml.gz",   "value-object"},
   };
   std::vector<json> facts;
   for (const std::string& line :
@@ -192,8 +194,7 @@ TEST_F(RealSchema, TheHostIsTheSameInEveryForm) {
   for (const auto& [classes, instances] : kForms) {
     fContainer = std::make_unique<TContainer>();
     ASSERT_EQ("zelStatusOK", Load(std::string("schema/") + classes));
-    ASSERT_EQ("zelStatusOK",
-              Load(std::string("instances/centos77-host-") + instances + ".xml.gz"));
+    ASSERT_EQ("zelStatusOK", Load(std::string("instances/centos77-host-") + instances + ".xml.gz"));
     EXPECT_THAT(LogLines(), IsEmpty());
     EXPECT_EQ(0U, fCollected);
     std::size_t total = 0;
@@ -202,9 +203,9 @@ TEST_F(RealSchema, TheHostIsTheSameInEveryForm) {
     }
     EXPECT_EQ(1162U, total);
     for (const TRow& row : ReadTable("instances/centos77-host-counts.tsv")) {
-      EXPECT_EQ(row.at("instances"),
-                std::to_string(
-                    fContainer->GetClass(row.at("class"))->EnumerateInstances(false).size()))
+      EXPECT_EQ(
+          row.at("instances"),
+          std::to_string(fContainer->GetClass(row.at("class"))->EnumerateInstances(false).size()))
           << row.at("class");
     }
     for (const json& fact : facts) CheckInstance(fact);

@@ -29,13 +29,13 @@ TEST_F(RealRequests, OfOneClientCreateClassesAndInstances) {
   LoadAll("requests/client-a-lower-case", {});
   EXPECT_EQ(21U, fContainer->GetRootClass()->EnumerateSubClasses(true).size());
   const std::map<std::string, std::size_t> kCounts = {
-      {"CIM_ComputerSystem",   1},
-      {"CIM_OperatingSystem",  1},
-      {"CIM_RunningOS",        1},
-      {"CIM_Processor",        2},
-      {"CIM_SystemDevice",     2},
-      {"CIM_PhysicalMemory",   1},
-      {"CIM_SoftwareIdentity", 2},
+      {"CIM_ComputerSystem",            1},
+      {"CIM_OperatingSystem",           1},
+      {"CIM_RunningOS",                 1},
+      {"CIM_Processor",                 2},
+      {"CIM_SystemDevice",              2},
+      {"CIM_PhysicalMemory",            1},
+      {"CIM_SoftwareIdentity",          2},
       {"CIM_InstalledSoftwareIdentity", 2},
   };
   for (const auto& [name, count] : kCounts) EXPECT_EQ(count, Count(name)) << name;
@@ -60,7 +60,7 @@ TEST_F(RealRequests, OfAnotherClientCreateInstancesWithQualifiers) {
           {
               {"002-CreateInstance-CIM_ComputerSystem-unescaped-value.xml",
                {kBadDocument, "CIM-XML Parser line 9:Unknown entity reference"}},
-          });
+  });
   EXPECT_EQ(1U, Count("CIM_ComputerSystem"));
   EXPECT_EQ(1U, Count("CIM_Processor"));
   EXPECT_EQ(1U, Count("CIM_PhysicalMemory"));
@@ -76,23 +76,23 @@ TEST_F(RealRequests, OfAServersTestsCreateClasses) {
   LoadAll("requests/openpegasus-create-class",
           {
               {"CreateClass34001.xml",
-               {"zelStatusInvalidClass", "Class Test_ClassforCreateClass002 has no keys"}},
-              {"CreateClass34002.xml", {"zelStatusAlreadyExists", kExists}},
-              // Namespaces do not matter: it is one container.
-              {"CreateClass34003.xml", {"zelStatusAlreadyExists", kExists}},
+               {"zelStatusInvalidClass", "Class Test_ClassforCreateClass002 has no keys"}    },
+              {"CreateClass34002.xml", {"zelStatusAlreadyExists", kExists}                   },
+ // Namespaces do not matter: it is one container.
+              {"CreateClass34003.xml", {"zelStatusAlreadyExists", kExists}                   },
               {"CreateClass34004.xml",
-               {"zelStatusInvalidClass", "Class Test_ClassforCreateClass001 has no keys"}},
-              {"CreateClass34005.xml", {"zelStatusNotFound", kNotFound}},
-              // These derive from an indication that has no key and is not in the declarations.
-              {"CreateClass34006.xml", {"zelStatusNotFound", kNotFound}},
-              {"CreateClass34007.xml", {"zelStatusNotFound", kNotFound}},
-              {"CreateClass34008.xml", {"zelStatusNotFound", kNotFound}},
+               {"zelStatusInvalidClass", "Class Test_ClassforCreateClass001 has no keys"}    },
+              {"CreateClass34005.xml", {"zelStatusNotFound", kNotFound}                      },
+ // These derive from an indication that has no key and is not in the declarations.
+              {"CreateClass34006.xml", {"zelStatusNotFound", kNotFound}                      },
+              {"CreateClass34007.xml", {"zelStatusNotFound", kNotFound}                      },
+              {"CreateClass34008.xml", {"zelStatusNotFound", kNotFound}                      },
               {"CreateClass34009.xml",
                {kBadDocument, "CIM-XML Parser line 10:Unexpected IParamValue parameter name"}},
-              {"CreateClass34010.xml", {"zelStatusAlreadyExists", kExists}},
+              {"CreateClass34010.xml", {"zelStatusAlreadyExists", kExists}                   },
               {"CreateClass34012.xml",
-               {kBadDocument, "CIM-XML Parser line 11:CIM element syntax error"}},
-          });
+               {kBadDocument, "CIM-XML Parser line 11:CIM element syntax error"}             },
+  });
 }
 
 // Bad numbers are read as 0 where that server refuses the request.
@@ -101,33 +101,32 @@ TEST_F(RealRequests, OfAServersTestsCreateInstances) {
   LoadAll("requests/openpegasus-create-instance",
           {
               {"CreateInstance53002.xml",
-               {"zelStatusNotFound", "TCIMXMLParser: Couldn't find class test_class"}},
+               {"zelStatusNotFound", "TCIMXMLParser: Couldn't find class test_class"}           },
               {"CreateInstance53003.xml",
-               {"zelStatusNotFound", "TCIMXMLParser: Couldn't find property Test_InstanceId"}},
+               {"zelStatusNotFound", "TCIMXMLParser: Couldn't find property Test_InstanceId"}   },
               {"CreateInstance53004.xml",
                {"zelStatusNotFound", "TCIMXMLParser: Couldn't find property Test_Property_name"}},
-          });
+  });
   EXPECT_EQ(53U, Count("PG_TestPropertyTypes"));
 }
 
 TEST_F(RealRequests, GiveValuesOfManyTypes) {
   ASSERT_EQ("zelStatusOK", Load("schema/openpegasus-static-declarations.xml.gz"));
-  ASSERT_EQ("zelStatusOK",
-            Load("requests/openpegasus-create-instance/CreateInstance53000.xml"));
+  ASSERT_EQ("zelStatusOK", Load("requests/openpegasus-create-instance/CreateInstance53000.xml"));
   ASSERT_EQ(1U, Count("PG_TestPropertyTypes"));
   const TCIMInstance* const created =
       fContainer->GetClass("PG_TestPropertyTypes")->EnumerateInstances(false)[0];
   const std::map<std::string, std::string> kValues = {
-      {"InstanceId",     "1"     },
+      {"InstanceId",     "1"                },
       {"PropertyString", "created_instance1"},
-      {"PropertyUint8",  "180"   },
-      {"PropertyUint16", "1600"  },
-      {"PropertyUint32", "13200" },
-      {"PropertyUint64", "16400" },
-      {"PropertySint8",  "-110"  },
-      {"PropertySint16", "-1600" },
-      {"PropertySint32", "-13200"},
-      {"PropertySint64", "-16400"},
+      {"PropertyUint8",  "180"              },
+      {"PropertyUint16", "1600"             },
+      {"PropertyUint32", "13200"            },
+      {"PropertyUint64", "16400"            },
+      {"PropertySint8",  "-110"             },
+      {"PropertySint16", "-1600"            },
+      {"PropertySint32", "-13200"           },
+      {"PropertySint64", "-16400"           },
   };
   for (const auto& [name, value] : kValues) {
     EXPECT_EQ(value, created->GetProperty(name)->GetValue().ToString(10)) << name;
@@ -141,36 +140,36 @@ TEST_F(RealRequests, OfASmallServersTestsMustBeginWithTheMarkup) {
   const TEnding kComment = {kBadDocument, "CIM-XML Parser line 1:Invalid element/attribute name"};
   LoadAll("requests/sfcb",
           {
-              {"ErrorTest11.xml",         {"zelStatusNotFound", kUnknown + "TEST_Person"}    },
-              {"InstanceTest1Create.xml", {"zelStatusNotFound", kUnknown + "TEST_Person"}    },
-              {"Test3CreateInstance.xml", {"zelStatusNotFound", kUnknown + "Sample_Instance"}},
-              {"SAE_02_CI_LD.xml",         kBlank                                            },
-              {"SNS_01_CI_stringonly.xml", kBlank                                            },
-              {"SNS_04_CI_arrayonly.xml",  kBlank                                            },
-              {"SNS_07_CI_both.xml",       kBlank                                            },
+              {"ErrorTest11.xml",                             {"zelStatusNotFound", kUnknown + "TEST_Person"}    },
+              {"InstanceTest1Create.xml",                     {"zelStatusNotFound", kUnknown + "TEST_Person"}    },
+              {"Test3CreateInstance.xml",                     {"zelStatusNotFound", kUnknown + "Sample_Instance"}},
+              {"SAE_02_CI_LD.xml",                            kBlank                                             },
+              {"SNS_01_CI_stringonly.xml",                    kBlank                                             },
+              {"SNS_04_CI_arrayonly.xml",                     kBlank                                             },
+              {"SNS_07_CI_both.xml",                          kBlank                                             },
               {"createInstance_ServerProvider.xml",
                {"zelStatusInvalidInstance",
-                "Instance CIM_ObjectManager: key property CreationClassName is NULL"}},
-              {"indCIMXMLHandler-verify_PersistenceType.xml", kComment                       },
-              {"internalProv-ci_abstract_class.xml",          kComment                       },
-          });
+                "Instance CIM_ObjectManager: key property CreationClassName is NULL"}                            },
+              {"indCIMXMLHandler-verify_PersistenceType.xml", kComment                                           },
+              {"internalProv-ci_abstract_class.xml",          kComment                                           },
+  });
 }
 
 // None hangs or crashes, and most are refused. What is not, and why, stands here.
 TEST_F(RealRequests, ThatAreBrokenEndWithAStatus) {
   ASSERT_EQ("zelStatusOK", Load("schema/openpegasus-static-declarations.xml.gz"));
   const std::map<std::string, std::string> kOthers = {
-      {"errorxml-BadChar16Value01.xml", "zelStatusTypeMismatch"},  // by the type, not by the value
-      {"errorxml-BadDateTimeValue01.xml", "zelStatusOK"},          // 1970 instead
-      {"errorxml-BadInstanceClassName01.xml", "zelStatusNotFound"},
-      {"errorxml-BadQualValueElement01.xml", "zelStatusOK"},  // qualifiers of instances are dropped
-      {"errorxml-BadReal32Value01.xml", "zelStatusOK"},       // 0 instead
-      {"errorxml-BadReal64Value01.xml", "zelStatusOK"},
-      {"errorxml-DuplicateProperty01.xml", "zelStatusNotFound"},  // by the class
-      {"errorxml-DuplicateQualifier01.xml", "zelStatusOK"},
-      {"errorxml-MissingInstanceNameClassName01.xml", "zelStatusNotFound"},
-      {"errorxml-MissingPropertyReferenceEndTag01.xml", "zelStatusNotFound"},
-      {"errorxml-TooManyProperties01.xml", "zelStatusNotFound"},
+      {"errorxml-BadChar16Value01.xml",                 "zelStatusTypeMismatch"}, // by the type, not by the value
+      {"errorxml-BadDateTimeValue01.xml",               "zelStatusOK"          }, // 1970 instead
+      {"errorxml-BadInstanceClassName01.xml",           "zelStatusNotFound"    },
+      {"errorxml-BadQualValueElement01.xml",            "zelStatusOK"          }, // qualifiers of instances are dropped
+      {"errorxml-BadReal32Value01.xml",                 "zelStatusOK"          }, // 0 instead
+      {"errorxml-BadReal64Value01.xml",                 "zelStatusOK"          },
+      {"errorxml-DuplicateProperty01.xml",              "zelStatusNotFound"    }, // by the class
+      {"errorxml-DuplicateQualifier01.xml",             "zelStatusOK"          },
+      {"errorxml-MissingInstanceNameClassName01.xml",   "zelStatusNotFound"    },
+      {"errorxml-MissingPropertyReferenceEndTag01.xml", "zelStatusNotFound"    },
+      {"errorxml-TooManyProperties01.xml",              "zelStatusNotFound"    },
   };
   for (const std::string& file : FilesOf("other")) {
     const auto found = kOthers.find(file);

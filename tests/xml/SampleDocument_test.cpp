@@ -48,9 +48,10 @@ TEST(SampleDocument, GivesItsClassesAndInstances) {
   const TCIMInstance& sdb = *disks[1];
   EXPECT_EQ("Sample_Disk.DeviceID=\"sda\"", sda.BuildPath().GetPath());
   EXPECT_EQ("512110190592", sda.GetProperty("Size")->GetValue().ToString(10));
-  EXPECT_EQ("{ boot, Gr\xc3\xb6\xc3\x9f"
-            "e,  }",
-            sda.GetProperty("Partitions")->GetValue().ToString(10));
+  EXPECT_EQ(
+      "{ boot, Gr\xc3\xb6\xc3\x9f"
+      "e,  }",
+      sda.GetProperty("Partitions")->GetValue().ToString(10));
   EXPECT_EQ("20240229120000.000000+060", sda.GetProperty("InstallDate")->GetValue().ToString(10));
   EXPECT_EQ("2", sda.GetProperty("Status")->GetValue().ToString(10));
   EXPECT_EQ("0", sdb.GetProperty("Status")->GetValue().ToString(10));
@@ -132,8 +133,7 @@ TEST(SampleDocument, MayNestAMillionElements) {
   for (int i = 0; i < 1000000; ++i) document += "</METHOD>";
   ClearLog();
   EXPECT_EQ("zelStatusInvalidClass",
-            Read(container,
-                 document + "</CLASS></VALUE.OBJECT></DECLGROUP></DECLARATION></CIM>"));
+            Read(container, document + "</CLASS></VALUE.OBJECT></DECLGROUP></DECLARATION></CIM>"));
   EXPECT_EQ("Class A has no keys", LogLines().at(0));
 }
 

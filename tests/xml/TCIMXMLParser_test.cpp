@@ -6,6 +6,7 @@
 #include <deque>
 
 #include "tests/xml/Zoo.h"
+#include "xml/InstanceStates.h"
 
 namespace {
 
@@ -322,7 +323,8 @@ TEST(TCIMXMLParser, RefusesElementsThatTheTableDoesNotName) {
         << row.before;
     std::string lowered = row.refused;
     for (char& c : lowered) c = static_cast<char>(std::tolower(c));
-    EXPECT_THAT(LogLines(), ElementsAreArray(FatalLines(newLine.empty() ? 1 : 2, "Unexpected element " + lowered)))
+    EXPECT_THAT(LogLines(), ElementsAreArray(FatalLines(newLine.empty() ? 1 : 2,
+                                                        "Unexpected element " + lowered)))
         << row.before;
   }
 }
@@ -371,6 +373,19 @@ TEST(TCIMXMLParser, TakesTextPiecewiseAndFromNoOtherElement) {
                              "</PROPERTY.ARRAY>"));
   EXPECT_EQ("T&om", zoo.ValueOf("Zoo_Animal", "Name").ToString(10));
   EXPECT_EQ("{ ,  b  }", zoo.ValueOf("Zoo_Animal", "Tags").ToString(10));
+}
+
+// A state that finds another parent than it needs: no element leads there.
+TEST(TCIMXMLParser, AsksParentsForTheirRoles) {
+  class TMisled : public TCIMXMLParser {
+   public:
+    using TCIMXMLParser::TCIMXMLParser;
+    void Ask() { CurrentAs<TStateInstance>(); }
+  };
+  TContainer container;
+  TMisled parser(container);
+  EXPECT_EQ("zelStatusInvalidSpecificationDocument", StatusOf([&] { parser.Ask(); }));
+  EXPECT_EQ("CIM-XML Parser line 1:Parser state corrupt", LastLogLine());
 }
 
 TEST(TCIMXMLParser, AsksItsStatesByTheLaidDownCalls) {
