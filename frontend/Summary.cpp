@@ -137,10 +137,10 @@ class TSummary {
     }
     if (processors.empty()) models.insert(kNotAvailable);
     for (const std::string& model : models) Row("Model", model);
-    Row("Count", processors.empty()
-                     ? kNotAvailable
-                     : fmt::format("{}, {}, {}", Counted(processors.size(), "package"),
-                                   Counted(cores, "core"), Counted(threads, "thread")));
+    std::string counts = Counted(processors.size(), "package");
+    if (cores != 0) counts += ", " + Counted(cores, "core");
+    if (threads != 0) counts += ", " + Counted(threads, "thread");
+    Row("Count", processors.empty() ? kNotAvailable : counts);
     Row("Caches", Caches());
   }
 
