@@ -392,6 +392,40 @@ TEST(MemoryPlugin, CollectsAServerWithModules) {
   EXPECT_THAT(LogLines(zelLogError), IsEmpty());
 }
 
+TEST(MemoryPlugin, CollectsAGuestWithTablesOfItsFirmware) {
+  const Collected collected(Machine("qemu-q35"), {"system", "memory"});
+  ASSERT_THAT(Collected::Of("KVRSG_PhysicalMemory"), SizeIs(1));
+  const TCIMInstance& slot = *Collected::Of("KVRSG_PhysicalMemory").at(0);
+  const struct {
+    const char* property;
+    const char* text;
+  } kRows[] = {
+      {"DeviceLocator",   "DIMM 0"    },
+      {"BankLocator",     "NULL"      },
+      {"Populated",       "true"      },
+      {"Capacity",        "1073741824"},
+      {"MemoryType",      "7"         },
+      {"TypeDetails",     "Other"     },
+      {"FormFactor",      "9"         },
+      {"Speed",           "NULL"      },
+      {"ConfiguredSpeed", "NULL"      },
+      {"TotalWidth",      "NULL"      },
+      {"Manufacturer",    "QEMU"      },
+      {"SerialNumber",    "NULL"      },
+  };
+  for (const auto& row : kRows) {
+    EXPECT_EQ(row.text, Collected::Text(slot, row.property)) << row.property;
+  }
+  EXPECT_THAT(Collected::Texts("KVRSG_PhysicalMemoryArray", "Location"), ElementsAre("1"));
+  EXPECT_THAT(Collected::Texts("KVRSG_PhysicalMemoryArray", "MemoryErrorCorrection"),
+              ElementsAre("6"));
+  EXPECT_THAT(Collected::Texts("KVRSG_PhysicalMemoryArray", "MaxCapacity"),
+              ElementsAre("1073741824"));
+  EXPECT_THAT(Collected::Ends("KVRSG_PhysicalMemoryContainer", "PartComponent", "DeviceLocator"),
+              ElementsAre("DIMM 0"));
+  EXPECT_THAT(Collected::Texts("KVRSG_Memory", "TotalSize"), ElementsAre("1004519424"));
+}
+
 TEST(MemoryPlugin, CollectsSwapSpaces) {
   const Collected collected(Machine("x86-laptop"), {"system", "memory"});
   const auto swap = [](const char* property) {
@@ -447,4 +481,10 @@ TEST(MemoryPlugin, SaysThatOnlyRootMayReadTheModules) {
   }
   EXPECT_EQ("No memory modules: /sys/firmware/dmi/tables/DMI can be read by root only",
             LastLogLine());
+}
+
+TEST(MemoryPlugin, FindsTheMemoryOfTheLiveMachine) {
+  unsetenv("ZEL_SYSROOT");
+  const TMemory memory = ParseMemInfo(ReadMachine(kit::TLog(nullptr)).memInfo);
+  EXPECT_GT(memory.total.value_or(0), memory.free.value_or(0));
 }
