@@ -130,12 +130,14 @@ inline bool NeedsRoot(const std::string& path) {
   return file.Get() < 0 && (errno == EACCES || errno == EPERM);
 }
 
-// The name of the machine; a captured tree tells what the kernel or the boot configuration had.
-inline std::optional<std::string> HostName() {
+// The name of the machine, "localhost" when it has none. A captured tree tells what the kernel or
+// the boot configuration had.
+inline std::string HostName() {
   char name[256] = "";
-  if (IsLiveMachine() && gethostname(name, sizeof name - 1) == 0 && name[0]) return name;
-  if (const auto kernels = ReadLine("/proc/sys/kernel/hostname")) return kernels;
-  return ReadLine("/etc/hostname");
+  if (IsLiveMachine()) gethostname(name, sizeof name - 1);
+  if (const std::string clean = Clean(name); !clean.empty()) return clean;
+  if (const auto kernels = ReadLine("/proc/sys/kernel/hostname")) return *kernels;
+  return ReadLine("/etc/hostname").value_or("localhost");
 }
 
 // The names in a directory without "." and "..", numbers in them ordered by value; none when the

@@ -71,8 +71,6 @@ class TPlugin {
     const TLog log(plugin);
     try {
       return Publish(log, handle, std::vector<std::string>(classNames, classNames + count));
-    } catch (const TFailure& failure) {
-      return failure.status;
     } catch (const std::bad_alloc&) {
       return zelStatusOutOfMemory;
     } catch (const std::exception& failure) {

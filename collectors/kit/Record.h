@@ -18,11 +18,6 @@
 //   return TRecord(out, "KVRSG_Fan").Set("DeviceID", fan.id).Set("Speed", fan.speed).Status();
 namespace kit {
 
-// Carries a status out of a publisher; TPlugin turns it into the answer of GetData.
-struct TFailure {
-  zelStatusCode status;
-};
-
 // The C functions for each C++ type. Reals have none: see TRecord::SetText().
 template <class TValue>
 struct TCFunctions;
@@ -150,17 +145,15 @@ struct TSystemKeys {
   const char* name = nullptr;
 };
 
-// The system is collected first; where that failed, the keys that it would have had. Throws
-// TFailure when the machine has no name.
+// The system is collected first; where that failed, the keys that it would have had.
 inline TSystemKeys SystemKeys() {
   TSystemKeys keys;
   if (zelGetSystemCreationClassName(&keys.creationClassName) == zelStatusOK &&
       zelGetSystemName(&keys.name) == zelStatusOK) {
     return keys;
   }
-  static const std::optional<std::string> host = HostName();
-  if (!host) throw TFailure{zelStatusNotFound};
-  return {"KVRSG_ComputerSystem", host->c_str()};
+  static const std::string host = HostName();
+  return {"KVRSG_ComputerSystem", host.c_str()};
 }
 
 inline TPath SystemPath() {

@@ -257,7 +257,7 @@ TSystem Parse(const TSources& sources) {
   const TFirmware firmware(sources);
   TSystem system;
   TComputer& computer = system.computer;
-  computer.name = kit::Fact(sources.hostName.value_or("")).value_or("localhost");
+  computer.name = sources.hostName;
   computer.machineId = ParseMachineId(sources.machineId);
   SetIdentity(sources, firmware, computer);
   // Without any trace of the hardware there is nothing to tell physical from virtual by.

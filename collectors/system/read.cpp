@@ -1,7 +1,5 @@
 #include "collectors/system/read.h"
 
-#include <unistd.h>
-
 #include <algorithm>
 
 #include "collectors/kit/Files.h"
@@ -14,14 +12,6 @@
 namespace system_collector {
 
 namespace {
-
-// The live machine's name; a captured tree tells what the kernel or the boot configuration had.
-std::optional<std::string> ReadHostName() {
-  char name[256] = "";
-  if (kit::IsLiveMachine() && gethostname(name, sizeof name - 1) == 0 && name[0]) return name;
-  if (const auto kernels = kit::ReadLine("/proc/sys/kernel/hostname")) return kernels;
-  return kit::ReadLine("/etc/hostname");
-}
 
 std::map<std::string, std::string> ReadFields(const std::string& directory,
                                               const std::vector<const char*>& names) {
@@ -56,7 +46,9 @@ std::vector<std::string> ReadHypervisorSignatures() {
   if (kit::IsLiveMachine()) return AskCpuid();
   const std::string captured = kit::ReadFile("/zel/cpuid-hypervisor").value_or("");
   std::vector<std::string> signatures;
-  for (const std::string_view line : kit::Split(captured, '\n')) signatures.emplace_back(line);
+  for (const std::string_view line : kit::Split(captured, '\n')) {
+    if (!line.empty()) signatures.emplace_back(line);
+  }
   return signatures;
 }
 
@@ -85,7 +77,7 @@ std::vector<std::string> ReadPackageIds() {
 
 TSources Read() {
   TSources sources;
-  sources.hostName = ReadHostName();
+  sources.hostName = kit::HostName();
   sources.machineId = kit::ReadLine("/etc/machine-id");
   if (!sources.machineId) sources.machineId = kit::ReadLine("/var/lib/dbus/machine-id");
 

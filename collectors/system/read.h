@@ -9,7 +9,7 @@
 namespace system_collector {
 
 struct TSources {
-  std::optional<std::string> hostName;
+  std::string hostName;
   std::optional<std::string> machineId;
 
   std::map<std::string, std::string> dmi;         // the files of /sys/class/dmi/id by name

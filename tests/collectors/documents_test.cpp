@@ -160,3 +160,26 @@ TEST(Documents, GiveEachAssociationTwoEnds) {
     EXPECT_EQ(2u, cls->EnumerateKeyNames().size());
   }
 }
+
+TEST(Documents, GiveSizesAs64BitsOfBytes) {
+  const Schema schema;
+  for (const TCIMClass* cls : schema.PluginClasses()) {
+    for (const TCIMPropertyDecl* decl : OwnDecls(*cls)) {
+      const TCIMQualifier* units = decl->FindQualifier("UNITS");
+      if (!units || units->GetValue().ToString(10) != "Bytes") continue;
+      EXPECT_EQ(Type::TypeUint64, decl->GetType()) << cls->GetName() << "." << decl->GetName();
+    }
+  }
+}
+
+TEST(Documents, MarkWhatTellsWhoTheMachineIs) {
+  static const std::set<std::string> kTelling = {
+      "SerialNumber", "UUID", "MachineId", "AssetTag", "CSName", "SystemName", "BootArguments"};
+  const Schema schema;
+  for (const TCIMClass* cls : schema.PluginClasses()) {
+    for (const TCIMPropertyDecl* decl : cls->EnumeratePropertyDecls()) {
+      if (kTelling.count(decl->GetName()) == 0) continue;
+      EXPECT_TRUE(Has(*decl, "SENSITIVE")) << cls->GetName() << "." << decl->GetName();
+    }
+  }
+}
