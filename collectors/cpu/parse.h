@@ -65,8 +65,8 @@ struct TCache {
   std::string processorId;
   std::uint16_t level = 0;
   ECacheType type = kOtherCache;
-  std::optional<std::uint64_t> size;  // Bytes
-  std::optional<std::uint32_t> lineSize, ways, sets, sharingThreads;
+  std::optional<std::uint64_t> size, lineSize;  // Bytes
+  std::optional<std::uint32_t> ways, sets, sharingThreads;
   std::optional<std::string> sharedBy;
 };
 
