@@ -176,7 +176,8 @@ class TSummary {
     std::map<std::string, std::size_t> modules;
     std::size_t used = 0;
     for (const TCIMInstance* slot : slots) {
-      if (Number(*slot, "Capacity") == 0) continue;
+      const TCIMProperty* populated = slot->FindProperty("Populated");
+      if (!populated || PropertyText(*populated) != "true") continue;
       ++used;
       ++modules[fmt::format("{} {}", Fact(*slot, "Capacity", Bytes),
                             Fact(*slot, "MemoryType", EnumerationText))];
