@@ -158,7 +158,8 @@ class TXmlParser::TAttributes {
  public:
   // Begins the tag of that name.
   void Begin(std::string_view tag) {
-    const std::size_t kind = tag.size() + 7u * static_cast<unsigned char>(tag.back());
+    const std::size_t kind = tag.size() + 5u * static_cast<unsigned char>(tag.front()) +
+                             6u * static_cast<unsigned char>(tag.back());
     fMap = &fMaps[kind % std::size(fMaps)];
     fNext = fMap->begin();
   }
@@ -186,7 +187,7 @@ class TXmlParser::TAttributes {
     if (fNext != fMap->end()) fNext = fMap->erase(fNext, fMap->end());
   }
 
-  std::array<TAttributeMap, 16> fMaps;
+  std::array<TAttributeMap, 32> fMaps;
   TAttributeMap* fMap = nullptr;
   TAttributeMap::iterator fNext;
 };
@@ -312,7 +313,7 @@ bool TXmlParser::ParseElement() {
 }
 
 // startTag := '<' name attribute* ('>' | '/>')
-bool TXmlParser::ParseStartTag(TOpenElements& open, TAttributes& attributes) {
+inline bool TXmlParser::ParseStartTag(TOpenElements& open, TAttributes& attributes) {
   if (GetChar() != '<') return Refuse("Unexpected character before element");
   char* const name = fPosition;
   if (!ReadName()) return false;
@@ -335,7 +336,7 @@ bool TXmlParser::ParseStartTag(TOpenElements& open, TAttributes& attributes) {
 }
 
 // attribute := name '=' ('"' value '"' | "'" value "'")
-bool TXmlParser::ParseAttribute(TAttributes& attributes) {
+inline bool TXmlParser::ParseAttribute(TAttributes& attributes) {
   char* const name = fPosition;
   if (!ReadName()) return false;
   char* const nameEnd = fPosition;
@@ -368,7 +369,7 @@ bool TXmlParser::ParseAttribute(TAttributes& attributes) {
 
 // content := (charData | element | processingInstruction | comment)*
 // Reads up to the next child's start tag, or until no element is open any more.
-bool TXmlParser::ParseContent(TOpenElements& open) {
+inline bool TXmlParser::ParseContent(TOpenElements& open) {
   while (!open.IsEmpty()) {
     ParseCharData();
     if (GetChar() != '<') return Refuse("Unexpected character where element expected");
@@ -385,7 +386,7 @@ bool TXmlParser::ParseContent(TOpenElements& open) {
 }
 
 // endTag := '</' name '>'      The '</' has been read.
-bool TXmlParser::ParseEndTag(TOpenElements& open) {
+inline bool TXmlParser::ParseEndTag(TOpenElements& open) {
   const char* started = open.GetName();
   char* ended = fPosition;
   for (; *started && *started == *ended; ++started) ++ended;
