@@ -52,7 +52,7 @@ struct TSmbiosStructure {
 };
 
 struct TSmbios {
-  // Of the specification that the table follows; 0.0 when the entry point does not tell.
+  // Of the SMBIOS version that the table follows; 0.0 when the entry point does not tell.
   unsigned major = 0;
   unsigned minor = 0;
   std::vector<TSmbiosStructure> structures;  // as they stand in the table
