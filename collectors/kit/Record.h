@@ -236,8 +236,11 @@ class TRecord {
   }
 
   // For the types without a setter of their own: the text is converted to the declared type.
+  TRecord& SetText(const char* name, const std::string& text) {
+    return Then([&] { return zelAddProperty(fHandle, name, text.c_str()); });
+  }
   TRecord& SetText(const char* name, const std::optional<std::string>& text) {
-    return Then([&] { return text ? zelAddProperty(fHandle, name, text->c_str()) : zelStatusOK; });
+    return text ? SetText(name, *text) : *this;
   }
 
   TRecord& SetDeviceKeys(const std::string& deviceId) {

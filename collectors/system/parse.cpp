@@ -113,6 +113,7 @@ std::vector<TBoard> MakeBoards(const TFirmware& firmware) {
     board.serialNumber = firmware.Text(part, {"board_serial", 0x07});
     board.assetTag = firmware.Text(part, {"board_asset_tag", 0x08});
     if (board.manufacturer || board.model || board.version || board.serialNumber) {
+      board.tag = "Base Board " + std::to_string(boards.size());
       boards.push_back(std::move(board));
     }
   }
@@ -143,6 +144,7 @@ std::vector<TChassis> MakeChassis(const TFirmware& firmware) {
       chassis.skuNumber = part->Text(0x15 + list);
     }
     if (chassis.manufacturer || chassis.version || chassis.serialNumber || chassis.type) {
+      chassis.tag = "Chassis " + std::to_string(all.size());
       all.push_back(std::move(chassis));
     }
   }

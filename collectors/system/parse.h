@@ -62,6 +62,7 @@ struct TBios {
 };
 
 struct TBoard {
+  std::string tag;  // "Base Board 0"
   TText manufacturer;
   TText model;
   TText version;
@@ -70,6 +71,7 @@ struct TBoard {
 };
 
 struct TChassis {
+  std::string tag;  // "Chassis 0"
   TText manufacturer;
   TText version;
   TText serialNumber;

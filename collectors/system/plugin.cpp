@@ -1,4 +1,5 @@
 #include "collectors/kit/Plugin.h"
+#include "collectors/kit/Publish.h"
 #include "collectors/system/parse.h"
 
 namespace system_collector {
@@ -18,12 +19,6 @@ constexpr uint16_t kRunning = 3;
 constexpr uint16_t kNotApplicable = 66;
 
 std::string BiosVersion(const TBios& bios) { return bios.version.value_or("Not available"); }
-
-std::string Numbered(const char* name, size_t number) {
-  return std::string(name) + " " + std::to_string(number);
-}
-std::string BoardTag(size_t number) { return Numbered("Base Board", number); }
-std::string ChassisTag(size_t number) { return Numbered("Chassis", number); }
 
 kit::TPath ComputerPath(const TSystem& system) {
   return kit::TPath(kComputerSystem)
@@ -87,36 +82,30 @@ zelStatusCode PublishBios(zelIOHandle* out, const TSystem& system) {
 }
 
 zelStatusCode PublishBoards(zelIOHandle* out, const TSystem& system) {
-  zelStatusCode status = zelStatusOK;
-  for (size_t i = 0; i < system.boards.size() && status == zelStatusOK; ++i) {
-    const TBoard& board = system.boards[i];
-    status = kit::TRecord(out, kBaseBoard)
-                 .SetPhysicalKeys(BoardTag(i))
-                 .Set("Manufacturer", board.manufacturer)
-                 .Set("Model", board.model)
-                 .Set("Version", board.version)
-                 .Set("SerialNumber", board.serialNumber)
-                 .Set("AssetTag", board.assetTag)
-                 .Status();
-  }
-  return status;
+  return kit::PublishEach(system.boards, [&](const TBoard& board) {
+    return kit::TRecord(out, kBaseBoard)
+        .SetPhysicalKeys(board.tag)
+        .Set("Manufacturer", board.manufacturer)
+        .Set("Model", board.model)
+        .Set("Version", board.version)
+        .Set("SerialNumber", board.serialNumber)
+        .Set("AssetTag", board.assetTag)
+        .Status();
+  });
 }
 
 zelStatusCode PublishChassis(zelIOHandle* out, const TSystem& system) {
-  zelStatusCode status = zelStatusOK;
-  for (size_t i = 0; i < system.chassis.size() && status == zelStatusOK; ++i) {
-    const TChassis& chassis = system.chassis[i];
-    status = kit::TRecord(out, kChassis)
-                 .SetPhysicalKeys(ChassisTag(i))
-                 .Set("ChassisType", chassis.type)
-                 .Set("Manufacturer", chassis.manufacturer)
-                 .Set("Version", chassis.version)
-                 .Set("SerialNumber", chassis.serialNumber)
-                 .Set("AssetTag", chassis.assetTag)
-                 .Set("SKUNumber", chassis.skuNumber)
-                 .Status();
-  }
-  return status;
+  return kit::PublishEach(system.chassis, [&](const TChassis& chassis) {
+    return kit::TRecord(out, kChassis)
+        .SetPhysicalKeys(chassis.tag)
+        .Set("ChassisType", chassis.type)
+        .Set("Manufacturer", chassis.manufacturer)
+        .Set("Version", chassis.version)
+        .Set("SerialNumber", chassis.serialNumber)
+        .Set("AssetTag", chassis.assetTag)
+        .Set("SKUNumber", chassis.skuNumber)
+        .Status();
+  });
 }
 
 // ---- Associations ----
@@ -129,41 +118,33 @@ zelStatusCode PublishSystemBios(zelIOHandle* out, const TSystem& system) {
       .Status();
 }
 
-// One link from the computer to each of `count` things.
-zelStatusCode PublishPackages(zelIOHandle* out, const TSystem& system, const char* linkClass,
-                              const char* thingClass, size_t count,
-                              std::string (*tag)(size_t number)) {
-  zelStatusCode status = zelStatusOK;
-  for (size_t i = 0; i < count && status == zelStatusOK; ++i) {
-    status = kit::TRecord(out, linkClass)
-                 .Set("Antecedent", kit::PhysicalPath(thingClass, tag(i)))
-                 .Set("Dependent", ComputerPath(system))
-                 .Status();
-  }
-  return status;
-}
-
 zelStatusCode PublishSystemBoards(zelIOHandle* out, const TSystem& system) {
-  return PublishPackages(out, system, "KVRSG_ComputerSystemBaseBoard", kBaseBoard,
-                         system.boards.size(), BoardTag);
+  return kit::PublishEach(system.boards, [&](const TBoard& board) {
+    return kit::TRecord(out, "KVRSG_ComputerSystemBaseBoard")
+        .Set("Antecedent", kit::PhysicalPath(kBaseBoard, board.tag))
+        .Set("Dependent", ComputerPath(system))
+        .Status();
+  });
 }
 
 zelStatusCode PublishSystemChassis(zelIOHandle* out, const TSystem& system) {
-  return PublishPackages(out, system, "KVRSG_ComputerSystemChassis", kChassis,
-                         system.chassis.size(), ChassisTag);
+  return kit::PublishEach(system.chassis, [&](const TChassis& chassis) {
+    return kit::TRecord(out, "KVRSG_ComputerSystemChassis")
+        .Set("Antecedent", kit::PhysicalPath(kChassis, chassis.tag))
+        .Set("Dependent", ComputerPath(system))
+        .Status();
+  });
 }
 
 // Which of several chassis holds a board is not told.
 zelStatusCode PublishChassisBoards(zelIOHandle* out, const TSystem& system) {
   if (system.chassis.size() != 1) return zelStatusOK;
-  zelStatusCode status = zelStatusOK;
-  for (size_t i = 0; i < system.boards.size() && status == zelStatusOK; ++i) {
-    status = kit::TRecord(out, "KVRSG_ChassisBaseBoard")
-                 .Set("GroupComponent", kit::PhysicalPath(kChassis, ChassisTag(0)))
-                 .Set("PartComponent", kit::PhysicalPath(kBaseBoard, BoardTag(i)))
-                 .Status();
-  }
-  return status;
+  return kit::PublishEach(system.boards, [&](const TBoard& board) {
+    return kit::TRecord(out, "KVRSG_ChassisBaseBoard")
+        .Set("GroupComponent", kit::PhysicalPath(kChassis, system.chassis.front().tag))
+        .Set("PartComponent", kit::PhysicalPath(kBaseBoard, board.tag))
+        .Status();
+  });
 }
 
 struct TSystemCollector {

@@ -347,7 +347,7 @@ TEST_F(Kit, RecordsSetEveryType) {
                              .Set("a_sint64", int64_t{-64})
                              .Set("a_string", std::string("text"))
                              .Set("a_datetime", kit::FromUnixTime(1715900000, 250000))
-                             .SetText("a_real32", "0.75")
+                             .SetText("a_real32", std::string("0.75"))
                              .Set("many_boolean", std::vector<bool>{true, false})
                              .Set("many_uint8", std::vector<uint8_t>{1, 2})
                              .Set("many_uint64", std::vector<uint64_t>{1, UINT64_MAX})
@@ -370,11 +370,12 @@ TEST_F(Kit, RecordsSetEveryType) {
 }
 
 TEST_F(Kit, RecordsLeaveOutWhatIsNotKnown) {
+  const std::optional<std::string> noText;
   EXPECT_EQ(zelStatusOK, Thing("blank")
                              .Set("a_uint32", std::optional<uint32_t>())
-                             .Set("a_string", std::optional<std::string>())
+                             .Set("a_string", noText)
                              .Set("a_datetime", std::optional<kit::TDateTime>())
-                             .SetText("a_real32", std::nullopt)
+                             .SetText("a_real32", noText)
                              .Set("many_string", std::optional<std::vector<std::string>>())
                              .Status());
   for (const char* name : {"a_uint32", "a_string", "a_datetime", "a_real32", "many_string"}) {

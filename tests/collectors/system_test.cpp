@@ -368,10 +368,12 @@ TEST(System, HasEveryBoardAndChassisOfTheTable) {
   EXPECT_EQ("Left", system.boards[0].model);
   EXPECT_EQ("Tag 1", system.boards[0].assetTag);
   EXPECT_EQ("R-2", system.boards[1].serialNumber);
+  EXPECT_EQ("Base Board 1", system.boards[1].tag);
   ASSERT_EQ(2u, system.chassis.size());
   EXPECT_EQ(0x17, system.chassis[0].type);  // without the bit of the lock
   EXPECT_EQ("SKU-9", system.chassis[0].skuNumber);
   EXPECT_EQ(0x1C, system.chassis[1].type);
+  EXPECT_EQ("Chassis 1", system.chassis[1].tag);
 
   machine.Write("sys/firmware/dmi/tables/smbios_entry_point", std::string("_SM_\0\0\x02\x05", 8));
   EXPECT_EQ("00112233-4455-6677-8899-aabbccddeeff", Look(machine).computer.uuid);
