@@ -113,6 +113,13 @@ zelStatusCode PublishPartsOfSystem(zelIOHandle* out, const TFindings& findings) 
   });
 }
 
+constexpr auto kPublishSystemProcessors =
+    PublishPartsOfSystem<&TFindings::processors, kSystemProcessor>;
+constexpr auto kPublishSystemCaches = PublishPartsOfSystem<&TFindings::caches, kSystemCache>;
+constexpr auto kPublishSystemNodes = PublishPartsOfSystem<&TFindings::nodes, kSystemNode>;
+constexpr auto kPublishSystemVulnerabilities =
+    PublishPartsOfSystem<&TFindings::vulnerabilities, kSystemVulnerability>;
+
 zelStatusCode PublishCachesOfProcessors(zelIOHandle* out, const TFindings& findings) {
   return kit::PublishEach(findings.caches, [&](const TCache& cache) {
     return kit::TRecord(out, kCacheOfProcessor)
@@ -133,16 +140,15 @@ struct TCollector {
   }
 
   static constexpr kit::TPublisher<TFindings> kPublishers[] = {
-      {kProcessor,                              PublishAll<&TFindings::processors>         },
-      {kCache,                                  PublishAll<&TFindings::caches>             },
-      {kNode,                                   PublishAll<&TFindings::nodes>              },
-      {kVulnerability,                          PublishAll<&TFindings::vulnerabilities>    },
-      {kSystemProcessor,                        PublishPartsOfSystem<&TFindings::processors, kSystemProcessor>},
-      {kSystemCache,                                       PublishPartsOfSystem<&TFindings::caches,                                                                       kSystemCache>},
-      {kSystemNode,                          PublishPartsOfSystem<&TFindings::nodes,kSystemNode>},
-      {kSystemVulnerability,
-       PublishPartsOfSystem<&TFindings::vulnerabilities,         kSystemVulnerability>},
-      {kCacheOfProcessor,                    PublishCachesOfProcessors                                    },
+      {kProcessor,           PublishAll<&TFindings::processors>     },
+      {kCache,               PublishAll<&TFindings::caches>         },
+      {kNode,                PublishAll<&TFindings::nodes>          },
+      {kVulnerability,       PublishAll<&TFindings::vulnerabilities>},
+      {kSystemProcessor,     kPublishSystemProcessors               },
+      {kSystemCache,         kPublishSystemCaches                   },
+      {kSystemNode,          kPublishSystemNodes                    },
+      {kSystemVulnerability, kPublishSystemVulnerabilities          },
+      {kCacheOfProcessor,    PublishCachesOfProcessors              },
   };
 };
 
