@@ -156,8 +156,9 @@ TCIMValue TCIMXMLParser::ParseValue(TCIMValue::TCIMType type, const std::string&
   } catch (const TZELException& failure) {
     if (failure.GetStatusCode() != zelStatusInvalidDateTime) return TCIMValue(type, 0);
   }
-  const TCIMDateTime epoch(1970, 1, 1, 0, 0, 0, 0, 0);
+  static const TCIMDateTime epoch(1970, 1, 1, 0, 0, 0, 0, 0);
+  static const std::string epochText = epoch.ToUIString();
   LogCore(zelLogError, Text("Invalid datetime found on line ", std::to_string(GetCurLine()),
-                            ".  Defaulting the datetime to ", epoch.ToUIString(), "."));
+                            ".  Defaulting the datetime to ", epochText, "."));
   return TCIMValue(epoch);
 }
