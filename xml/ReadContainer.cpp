@@ -64,7 +64,7 @@ TBuffer ReadGzip(const std::string& path) {
   // One byte more is asked for, so that a file that holds more than it says is noticed.
   const int count = gzread(file.get(), buffer.get(), static_cast<unsigned int>(length + 1));
   if (count < 0 || static_cast<std::size_t>(count) != length) Fail(zelStatusCorruptGzipFile);
-  buffer[length] = '\0';
+  buffer.get()[length] = '\0';
   return buffer;
 }
 
@@ -76,7 +76,7 @@ TBuffer ReadPlain(const std::string& path, std::size_t size) {
   // The file may have shrunk since it was measured.
   const std::size_t count = std::fread(buffer.get(), 1, size, file.get());
   if (std::ferror(file.get())) Fail(zelStatusFileSystemError);
-  buffer[count] = '\0';
+  buffer.get()[count] = '\0';
   return buffer;
 }
 

@@ -12,7 +12,6 @@
 // because the exact counts decide where an error is seen. Open elements stand on a stack of our
 // own, so that the depth of a document costs memory and no stack.
 
-using zelcore::detail::IsAsciiAlnum;
 using zelcore::detail::IsAsciiDigit;
 using zelcore::detail::IsAsciiLetter;
 using zelcore::detail::ToAsciiLower;
@@ -158,8 +157,9 @@ class TXmlParser::TAttributes {
  public:
   // Begins the tag of that name.
   void Begin(std::string_view tag) {
-    const std::size_t kind = tag.size() + 5u * static_cast<unsigned char>(tag.front()) +
-                             6u * static_cast<unsigned char>(tag.back());
+    // The factors keep the element names of CIM-XML apart.
+    const std::size_t kind = tag.size() + std::size_t{5} * static_cast<unsigned char>(tag.front()) +
+                             std::size_t{6} * static_cast<unsigned char>(tag.back());
     fMap = &fMaps[kind % std::size(fMaps)];
     fNext = fMap->begin();
   }
