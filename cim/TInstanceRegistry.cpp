@@ -8,16 +8,17 @@ void TInstanceRegistry::Add(std::string path, const boost::shared_ptr<TCIMInstan
   if (4 * (fPaths + 1) > 3 * fPlaces.size()) {
     Rehash(std::max<std::size_t>(8, 2 * fPlaces.size()));
   }
-  const std::size_t hash = std::hash<std::string>()(path);
+  const std::uint32_t hash = Hash(path);
   const auto entry = static_cast<std::uint32_t>(fEntries.size());
-  std::uint32_t& first = fPlaces[PlaceOf(path, hash)];
-  fEntries.push_back({std::move(path), instance, hash, kNone, entry});
-  if (first == kNone) {
-    first = entry;
+  TPlace& place = fPlaces[PlaceOf(path, hash)];
+  fEntries.push_back({std::move(path), instance, kNone, entry});
+  if (place.entry == kNone) {
+    place = {entry, hash};
     ++fPaths;
   } else {
-    fEntries[fEntries[first].last].next = entry;
-    fEntries[first].last = entry;
+    TEntry& first = fEntries[place.entry];
+    fEntries[first.last].next = entry;
+    first.last = entry;
   }
   ++fSize;
   fOrder.clear();
@@ -25,14 +26,14 @@ void TInstanceRegistry::Add(std::string path, const boost::shared_ptr<TCIMInstan
 
 TCIMInstance* TInstanceRegistry::Find(const std::string& path) const {
   if (fPlaces.empty()) return nullptr;
-  const std::uint32_t entry = fPlaces[PlaceOf(path, std::hash<std::string>()(path))];
+  const std::uint32_t entry = fPlaces[PlaceOf(path, Hash(path))].entry;
   return entry == kNone ? nullptr : fEntries[entry].instance.get();
 }
 
 void TInstanceRegistry::Remove(const std::string& path) {
   if (fPlaces.empty()) return;
-  const std::size_t place = PlaceOf(path, std::hash<std::string>()(path));
-  std::uint32_t entry = fPlaces[place];
+  const std::size_t place = PlaceOf(path, Hash(path));
+  std::uint32_t entry = fPlaces[place].entry;
   if (entry == kNone) return;
   ForgetPlace(place);
   --fPaths;
@@ -58,26 +59,29 @@ void TInstanceRegistry::AppendTo(std::vector<TCIMInstance*>& instances) const {
   for (const std::uint32_t entry : fOrder) instances.push_back(fEntries[entry].instance.get());
 }
 
+std::uint32_t TInstanceRegistry::Hash(const std::string& path) {
+  const std::size_t hash = std::hash<std::string>()(path);
+  return static_cast<std::uint32_t>(hash ^ (hash >> 32));
+}
+
 // Where the path stands, or is to stand.
-std::size_t TInstanceRegistry::PlaceOf(const std::string& path, std::size_t hash) const {
+std::size_t TInstanceRegistry::PlaceOf(const std::string& path, std::uint32_t hash) const {
   const std::size_t mask = fPlaces.size() - 1;
   std::size_t place = hash & mask;
-  while (fPlaces[place] != kNone) {
-    const TEntry& entry = fEntries[fPlaces[place]];
-    if (entry.hash == hash && entry.path == path) break;
+  while (fPlaces[place].entry != kNone) {
+    if (fPlaces[place].hash == hash && fEntries[fPlaces[place].entry].path == path) break;
     place = (place + 1) & mask;
   }
   return place;
 }
 
 void TInstanceRegistry::Rehash(std::size_t places) {
-  const std::vector<std::uint32_t> old = std::exchange(fPlaces, std::vector<std::uint32_t>());
-  fPlaces.assign(places, kNone);
-  for (const std::uint32_t entry : old) {
-    if (entry == kNone) continue;
-    std::size_t place = fEntries[entry].hash & (places - 1);
-    while (fPlaces[place] != kNone) place = (place + 1) & (places - 1);
-    fPlaces[place] = entry;
+  const std::vector<TPlace> old = std::exchange(fPlaces, std::vector<TPlace>(places));
+  for (const TPlace& moved : old) {
+    if (moved.entry == kNone) continue;
+    std::size_t place = moved.hash & (places - 1);
+    while (fPlaces[place].entry != kNone) place = (place + 1) & (places - 1);
+    fPlaces[place] = moved;
   }
 }
 
@@ -86,12 +90,12 @@ void TInstanceRegistry::ForgetPlace(std::size_t place) {
   const std::size_t mask = fPlaces.size() - 1;
   std::size_t next = place;
   for (;;) {
-    fPlaces[place] = kNone;
+    fPlaces[place] = TPlace();
     std::size_t home;
     do {
       next = (next + 1) & mask;
-      if (fPlaces[next] == kNone) return;
-      home = fEntries[fPlaces[next]].hash & mask;
+      if (fPlaces[next].entry == kNone) return;
+      home = fPlaces[next].hash & mask;
     } while (((next - home) & mask) < ((next - place) & mask));
     fPlaces[place] = fPlaces[next];
     place = next;

@@ -28,18 +28,25 @@ class TInstanceRegistry {
   struct TEntry {
     std::string path;
     boost::shared_ptr<TCIMInstance> instance;  // null: removed
-    std::size_t hash;
-    std::uint32_t next;  // the next of this path
-    std::uint32_t last;  // the last of this path; kept in the first
+    std::uint32_t next;                        // the next of this path
+    std::uint32_t last;                        // the last of this path; kept in the first
   };
 
-  std::size_t PlaceOf(const std::string& path, std::size_t hash) const;
+  // A place for the first entry of a path. It keeps the hash, so that a search that passes by need
+  // not look at the entry, which is far away in memory.
+  struct TPlace {
+    std::uint32_t entry = kNone;
+    std::uint32_t hash = 0;
+  };
+
+  static std::uint32_t Hash(const std::string& path);
+  std::size_t PlaceOf(const std::string& path, std::uint32_t hash) const;
   void Rehash(std::size_t places);
   void ForgetPlace(std::size_t place);
   void Compact();
 
-  std::vector<TEntry> fEntries;        // in the order of arrival
-  std::vector<std::uint32_t> fPlaces;  // open addressing: the first entry of a path, or kNone
+  std::vector<TEntry> fEntries;  // in the order of arrival
+  std::vector<TPlace> fPlaces;   // open addressing
   std::size_t fPaths = 0;
   std::size_t fSize = 0;
   mutable std::vector<std::uint32_t> fOrder;  // entries by path; empty: to be worked out

@@ -18,7 +18,7 @@ constexpr const char* kBiosName = "System BIOS";
 constexpr uint16_t kRunning = 3;
 constexpr uint16_t kNotApplicable = 66;
 
-std::string BiosVersion(const TBios& bios) { return bios.version.value_or("Not available"); }
+std::string BiosVersion(const TBios& bios) { return bios.version.value_or("not available"); }
 
 kit::TPath ComputerPath(const TSystem& system) {
   return kit::TPath(kComputerSystem)
