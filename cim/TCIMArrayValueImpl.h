@@ -11,6 +11,7 @@ class ZEL_API TCIMArrayValueImpl final : public TCIMValueImpl {
  public:
   explicit TCIMArrayValueImpl(std::vector<TCIMValue> elements);
 
+  // NOLINTNEXTLINE(google-explicit-constructor): converts as the value does
   operator std::vector<TCIMValue>&() override { return fElements; }
 
   // "{ 1, 2 }"; "{  }" without elements.

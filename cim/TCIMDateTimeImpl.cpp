@@ -260,7 +260,7 @@ long TCIMDateTimeImpl::LocalMicroSeconds() const {
 }
 
 long TCIMDateTimeImpl::UTCMicroSeconds() const {
-  return LocalMicroSeconds() - fUTCOffset * 60 * kMicro + fMicroSeconds;
+  return LocalMicroSeconds() - fUTCOffset * 60L * kMicro + fMicroSeconds;
 }
 
 // sic: in 32 bits, so that lengths beyond 49710 days wrap.

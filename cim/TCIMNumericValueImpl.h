@@ -65,6 +65,7 @@ class ZEL_API TCIMNumericValueImpl final : public TCIMValueImpl {
     std::memcpy(fNative, &value, sizeof value);
   }
 
+  // NOLINTBEGIN(google-explicit-constructor): converts as the value does
   operator bool() const override;
   operator unsigned char() const override;
   operator signed char() const override;
@@ -76,6 +77,7 @@ class ZEL_API TCIMNumericValueImpl final : public TCIMValueImpl {
   operator long() const override;
   operator float() const override;
   operator double() const override;
+  // NOLINTEND(google-explicit-constructor)
 
   // Throws zelStatusNotSupported for bases other than 10, 16 and 8, and for signed integers and
   // reals in another base than 10.

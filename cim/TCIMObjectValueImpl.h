@@ -17,6 +17,7 @@ class TCIMObjectValueImpl : public TCIMValueImpl {
   explicit TCIMObjectValueImpl(std::in_place_t, TArgs&&... args)
       : fValue(std::forward<TArgs>(args)...) {}
 
+  // NOLINTNEXTLINE(google-explicit-constructor): converts as the value does
   operator T() const override { return fValue; }
 
   bool operator==(const TCIMValue& other) const override {

@@ -69,6 +69,7 @@ TCIMValue::TCIMValue(TCIMValue&& other) noexcept
 
 TCIMValue::~TCIMValue() { delete fImpl; }
 
+// NOLINTNEXTLINE(bugprone-unhandled-self-assignment): Set() handles it
 TCIMValue& TCIMValue::operator=(const TCIMValue& other) {
   Set(other);
   return *this;

@@ -17,6 +17,7 @@ class ZEL_API TCIMValueImpl {
   // GCC takes a conversion for hidden by one to another type, which it is not.
 #pragma GCC diagnostic push
 #pragma GCC diagnostic ignored "-Woverloaded-virtual"
+  // NOLINTBEGIN(google-explicit-constructor): converts as the value does
   virtual operator bool() const;
   virtual operator unsigned char() const;
   virtual operator signed char() const;
@@ -32,6 +33,7 @@ class ZEL_API TCIMValueImpl {
   virtual operator TCIMDateTime() const;
   virtual operator TCIMReference() const;
   virtual operator std::vector<TCIMValue>&();
+  // NOLINTEND(google-explicit-constructor)
 #pragma GCC diagnostic pop
 
   virtual std::string ToString(unsigned char base) const = 0;

@@ -234,8 +234,8 @@ std::string TCIMSchemaHelper::GetRawSerialNumberString(TContainer* container) {
 std::string TCIMSchemaHelper::GetSerialNumber(TContainer* container) {
   constexpr std::size_t kCheckedLength = 7;
   const std::string serial = WithoutTrailingBlanks(GetRawSerialNumberString(container));
-  const auto checkedEnd = serial.begin() + std::min(serial.size(), kCheckedLength);
-  if (serial.empty() || !std::all_of(serial.begin(), checkedEnd, IsAsciiAlnum)) {
+  const std::string checked = serial.substr(0, kCheckedLength);
+  if (serial.empty() || !std::all_of(checked.begin(), checked.end(), IsAsciiAlnum)) {
     Refuse(zelStatusInvalidFormat, "SerialNumber isn't valid");
   }
   return serial;

@@ -56,6 +56,7 @@ void TQueryManager::RunQuery(TContainer* container, std::vector<std::string> cla
   RunAllPlugins(container, classNames, true);
 }
 
+// NOLINTNEXTLINE(performance-unnecessary-value-param): as in the interface
 void TQueryManager::RunAllPlugins(TContainer* container, std::vector<std::string> classNames,
                                   bool associations) {
   IQueryManager& self = *this;

@@ -343,6 +343,7 @@ std::vector<TCache> BuildCaches(const TMachine& machine) {
     }
   }
   std::vector<TCache> result;
+  result.reserve(caches.size());
   for (auto& [key, cache] : caches) result.push_back(std::move(cache));
   return result;
 }

@@ -17,7 +17,7 @@ std::string Unquote(std::string_view value) {
     if (c == '\\' && quote != '\'' && i + 1 < value.size()) {
       plain += value[++i];
     } else if (quote ? c == quote : c == '"' || c == '\'') {
-      quote = quote ? 0 : c;
+      quote = quote ? '\0' : c;
     } else {
       plain += c;
     }

@@ -140,7 +140,7 @@ std::vector<TChassis> MakeChassis(const TFirmware& firmware) {
     chassis.type = ChassisType(firmware, part);
     if (part) {
       // The SKU follows a list of contained elements, whose count and size stand before it.
-      const size_t list = part->Byte(0x13).value_or(0) * part->Byte(0x14).value_or(0);
+      const size_t list = size_t{part->Byte(0x13).value_or(0)} * part->Byte(0x14).value_or(0);
       chassis.skuNumber = part->Text(0x15 + list);
     }
     if (chassis.manufacturer || chassis.version || chassis.serialNumber || chassis.type) {
