@@ -9,6 +9,7 @@
 
 #include <cstdint>
 #include <fstream>
+#include <iterator>
 
 #include "tests/support/LogSpy.h"
 #include "tests/support/Status.h"
@@ -301,6 +302,39 @@ TEST_F(PopulateContainerFromFile, StopsAtAnEmbeddedNul) {
   EXPECT_THAT(ReadClasses(Write("a.xml", document + '\0' + "<rubbish")), ElementsAre("A"));
   EXPECT_EQ("zelStatusInvalidSpecificationDocument",
             ReadStatus(Write("b.xml", document.substr(0, 60) + '\0' + document.substr(60))));
+}
+
+TEST_F(PopulateContainerFromFile, LeavesTheContainerUsableAfterEveryFault) {
+  const std::string gzip = Gzip(Schema(Class("A")));
+  ASSERT_EQ(0, mkdir(fDir.PathOf("directory.xml").c_str(), 0755));
+  const std::string faults[] = {
+      fDir.PathOf("missing.xml"),
+      fDir.PathOf("directory.xml"),
+      Write("quote.xml", Document("<CLASS NAME=\"" + std::string(1000000, 'x'))),
+      Write("long.gz", WithLength(gzip, 1)),
+      Write("large.gz", WithLength(gzip, kMaxDocumentSize + 1)),
+      Write("trailer.gz", gzip.substr(0, gzip.size() - 8)),
+      Write("members.gz", gzip + gzip),
+      Write("magic.gz", "magic"),
+  };
+  TContainer container;
+  container.PopulateContainerFromFile(Write("base.xml", Schema(Class("A"))));
+  for (std::size_t i = 0; i < std::size(faults); ++i) {
+    EXPECT_NE("zelStatusOK", StatusOf([&] { container.PopulateContainerFromFile(faults[i]); }))
+        << faults[i];
+    const std::string next = "B" + std::to_string(i);
+    const std::string good = Write("good.xml", Document(SubClass(next, "A")));
+    EXPECT_EQ("zelStatusOK", StatusOf([&] { container.PopulateContainerFromFile(good); }))
+        << faults[i];
+    EXPECT_TRUE(container.FindClass(next)) << faults[i];
+  }
+}
+
+TEST_F(PopulateContainerFromFile, FailsForAnAttributeValueThatNeverCloses) {
+  const std::string document = Document("<VALUE.OBJECT><CLASS NAME=\"" + std::string(1000000, 'x'));
+  const std::string open = document.substr(0, document.rfind('x') + 1);
+  EXPECT_EQ("zelStatusInvalidSpecificationDocument", ReadStatus(Write("open.xml", open)));
+  EXPECT_EQ("CIM-XML Parser line 3:Unexpected character in attribute value", LogLines().front());
 }
 
 TEST_F(PopulateContainerFromFile, GivesBackItsDescriptorsWhateverHappens) {
