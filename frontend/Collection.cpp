@@ -96,14 +96,18 @@ void TCollection::FindPlugins(const std::string& directory) {
 
 void TCollection::ReadDocuments() {
   ILogger& log = *TLogger::GetInstance();
+  const auto refuseBase = [this](const std::string& why) {
+    throw TCommandError(
+        kExitBadInput, fmt::format("cannot read the base schema '{}': {}; name another with --base",
+                                   fBaseSchema, why));
+  };
+  if (access(fBaseSchema.c_str(), R_OK) != 0) refuseBase(strerror(errno));
   log.ClearLog();
   try {
     fSchema->PopulateContainerFromFile(fBaseSchema);
   } catch (const std::exception& error) {
     const std::string why = FirstError();
-    throw TCommandError(
-        kExitBadInput, fmt::format("cannot read the base schema '{}': {}; name another with --base",
-                                   fBaseSchema, why.empty() ? error.what() : why));
+    refuseBase(why.empty() ? error.what() : why);
   }
   std::set<std::string> read;
   for (TFoundPlugin& plugin : fPlugins) {

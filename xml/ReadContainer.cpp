@@ -81,8 +81,12 @@ TBuffer ReadPlain(const std::string& path, std::size_t size) {
 }
 
 TBuffer ReadDocument(const std::string& path) {
-  const std::size_t size = TOSSpecific::GetFileSize(path);
-  return path.rfind(".gz") != std::string::npos ? ReadGzip(path) : ReadPlain(path, size);
+  try {
+    const std::size_t size = TOSSpecific::GetFileSize(path);
+    return path.rfind(".gz") != std::string::npos ? ReadGzip(path) : ReadPlain(path, size);
+  } catch (const TZELException& failure) {
+    Fail(failure.GetStatusCode(), Text("Couldn't read file '", path, "': ", failure.what()));
+  }
 }
 
 }  // namespace

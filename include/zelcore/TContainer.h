@@ -58,8 +58,8 @@ class ZEL_API TContainer {
   // in `path`, and returns the classes it declares, in document order. Throws
   // zelStatusFileNotFound (missing, or a directory), zelStatusFileSystemError,
   // zelStatusInvalidGzipFile, zelStatusCorruptGzipFile, zelStatusInvalidSpecificationDocument,
-  // zelStatusOutOfMemory, or what the model refuses; the log tells the line. What was read before
-  // the failure stays.
+  // zelStatusOutOfMemory, or what the model refuses; the log names the file, and the line of an
+  // error in the document. What was read before the failure stays.
   std::vector<TCIMClass*> PopulateContainerFromFile(const std::string& path);
 
   // A diff container lists the instances that differ from an earlier collection and accepts

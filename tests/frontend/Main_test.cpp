@@ -125,7 +125,7 @@ TEST(Collect, NeedsPluginsAndABaseSchema) {
   result = Zel({"collect", "--plugin-dir", plugins.GetPath(), "--base", "/nowhere"});
   EXPECT_EQ(4, result.code);
   EXPECT_EQ(
-      "zel: cannot read the base schema '/nowhere': zelStatusFileNotFound; name another "
+      "zel: cannot read the base schema '/nowhere': No such file or directory; name another "
       "with --base\n",
       result.err);
 
