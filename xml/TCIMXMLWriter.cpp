@@ -308,16 +308,16 @@ class TDocument {
   }
 
   void PutText(std::string_view text) {
-    bool isComplete = true;
+    bool isCarried = true;
     for (;;) {
       const std::size_t plain = zelcore::detail::CountPlain(text);
       Put(text.substr(0, plain));
       if (plain == text.size()) break;
-      isComplete &= !zelcore::detail::IsLost(text[plain]);
+      isCarried &= !zelcore::detail::IsForbidden(text[plain]);
       Put(zelcore::detail::Escape(text[plain]));
       text.remove_prefix(plain + 1);
     }
-    if (!isComplete) Warn("control characters are replaced");
+    if (!isCarried) Warn("control characters are replaced");
   }
 
   TDocumentSink fSink;

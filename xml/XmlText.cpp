@@ -58,11 +58,12 @@ std::string Escape(char c) {
     case '>': return "&gt;";
     default: break;
   }
-  if (IsLost(c)) return "\xEF\xBF\xBD";  // U+FFFD
-  return "&#" + std::to_string(static_cast<unsigned char>(c)) + ";";
+  constexpr int kPrivateUse = 0xE000;  // a multiple of 256, by which the reader divides
+  const int code = static_cast<unsigned char>(c);
+  return "&#" + std::to_string(IsForbidden(c) ? kPrivateUse + code : code) + ";";
 }
 
-bool IsLost(char c) {
+bool IsForbidden(char c) {
   const auto code = static_cast<unsigned char>(c);
   return code < ' ' && c != '\t' && c != '\n' && c != '\r';
 }

@@ -18,10 +18,11 @@ class TContainer;
 // Every operation writes one whole document. Each throws zelStatusFileSystemError when it cannot
 // be written; what has been written by then is cut short and must not be kept.
 //
-// Text     Any text comes back byte by byte but for the control characters that XML cannot carry
-//          (those below blank, without tab, line feed and carriage return): U+FFFD stands in place
-//          of each. A byte that is not part of UTF-8 text is written as the character reference of
-//          its number, for which the reader gives the byte and other programs the Latin-1 letter.
+// Text     Comes back byte by byte, but for NULs, which are lost. XML cannot carry control
+//          characters (those below blank, but for tab, line feed and carriage return): the
+//          reference of a private use character, U+E000 and their number, stands in their place.
+//          A byte that is not part of UTF-8 text is written as the reference of its number. The
+//          reader gives the very byte for both; other programs see the character.
 // Numbers  Reals have the fewest digits that give the same number.
 // Left out Whatever is inherited or a default, previous values, the list of a diff container, and
 //          what there is no element for: values without a type, and arrays of references.
@@ -29,9 +30,10 @@ class TContainer;
 // What the reader cannot take back is written as well as it goes: a NULL in an array as an empty
 // value; a NULL own value over a default as a property without value; reals that are not finite as
 // INF, -INF and NaN; datetimes that do not fit their form (intervals of more than 65535 days); a
-// qualifier of another type than declared; classes that refer to themselves or to each other; more
-// than 100 MiB of text. A NULL or an array that is bound as a key is left out. For each of these,
-// for replaced characters and for what there is no element for a warning goes to the core logger.
+// qualifier of another type than declared without its value; classes that need each other, and
+// more than 100 MiB of text, as they are. A NULL or an array that is bound as a key is left out.
+// For each of these, for replaced characters and for what there is no element for, a warning goes
+// to the core logger.
 //
 // What was added to a class after its subclasses were made is read as inherited by them.
 class ZEL_API TCIMXMLWriter {
