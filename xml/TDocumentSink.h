@@ -18,7 +18,7 @@ class TDocumentSink {
   TDocumentSink& operator=(const TDocumentSink&) = delete;
 
   void Put(std::string_view text) {
-    if (text.size() > kPieceSize - fPiece.size()) Pass();
+    if (fPiece.size() + text.size() > kPieceSize) Pass();
     fPiece.append(text);
   }
   // Must be called, or the end of the document is missing.
