@@ -38,25 +38,26 @@ void TClassOrder::Add(TCIMClass& cls) {
     std::size_t next = 0;
   };
   std::vector<TStep> steps;
-  const auto visit = [&](TCIMClass* visited) {
-    if (visited->IsRootClass()) return;  // in every container already
-    const auto [place, isNew] = fIsPlaced.emplace(visited, false);
-    if (isNew) {
-      steps.emplace_back(visited);
-    } else if (!place->second) {
-      LogCore(zelLogWarning, Text("TCIMXMLWriter: ", steps.back().cls->GetName(), ": needs class ",
-                                  visited->GetName(), ", which is declared behind it"));
-    }
+  const auto begin = [&](TCIMClass* begun) {
+    if (begun->IsRootClass()) return;  // in every container already
+    if (fIsPlaced.emplace(begun, false).second) steps.emplace_back(begun);
   };
-  visit(&cls);
+  begin(&cls);
   while (!steps.empty()) {
     TStep& step = steps.back();
-    if (step.next < step.needed.size()) {
-      visit(step.needed[step.next++]);
-    } else {
+    if (step.next == step.needed.size()) {
       fIsPlaced[step.cls] = true;
       fClasses.push_back(step.cls);
       steps.pop_back();
+      continue;
+    }
+    TCIMClass* const needed = step.needed[step.next++];
+    const auto found = fIsPlaced.find(needed);
+    if (found != fIsPlaced.end() && !found->second) {
+      LogCore(zelLogWarning, Text("TCIMXMLWriter: ", step.cls->GetName(), ": needs class ",
+                                  needed->GetName(), ", which is declared behind it"));
+    } else {
+      begin(needed);
     }
   }
 }
