@@ -8,9 +8,9 @@
 #include <algorithm>
 #include <cerrno>
 #include <set>
+#include <sstream>
 
 #include "frontend/ExitCode.h"
-#include "frontend/InstanceDocument.h"
 #include "frontend/Locations.h"
 #include "zelcore/zelcore.h"
 
@@ -229,7 +229,11 @@ void TCollection::Work(const TFoundPlugin& plugin, const std::vector<std::string
   for (const ILogger::TLogEntry& entry : log.GetLog()) {
     outcome.log.push_back({entry.severity, entry.message});
   }
-  if (!classNames.empty()) outcome.instances = WriteInstanceDocument(instances);
+  if (!classNames.empty()) {
+    std::ostringstream document;
+    TCIMXMLWriter(document).WriteInstances(instances);
+    outcome.instances = document.str();
+  }
 }
 
 // In the parent: takes over what the child found.

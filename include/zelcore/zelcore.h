@@ -18,6 +18,7 @@
 #include "zelcore/TCIMReference.h"
 #include "zelcore/TCIMSchemaHelper.h"
 #include "zelcore/TCIMValue.h"
+#include "zelcore/TCIMXMLWriter.h"
 #include "zelcore/TCPluginCallbacks.h"
 #include "zelcore/TContainer.h"
 #include "zelcore/TLogger.h"

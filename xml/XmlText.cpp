@@ -1,0 +1,71 @@
+#include "xml/XmlText.h"
+
+#include <array>
+
+namespace {
+
+// How many bytes the character has that begins with the byte; 0 for what cannot stand as it is.
+constexpr std::array<unsigned char, 256> MakeLengths() {
+  std::array<unsigned char, 256> lengths{};
+  for (unsigned int c = ' '; c < 0x80; ++c) lengths[c] = 1;
+  for (const unsigned char c : {'&', '<', '>'}) lengths[c] = 0;
+  for (const unsigned char c : {'\t', '\n'}) lengths[c] = 1;
+  for (unsigned int c = 0xC2; c < 0xE0; ++c) lengths[c] = 2;
+  for (unsigned int c = 0xE0; c < 0xF0; ++c) lengths[c] = 3;
+  for (unsigned int c = 0xF0; c < 0xF5; ++c) lengths[c] = 4;
+  return lengths;
+}
+
+constexpr std::array<unsigned char, 256> kLengths = MakeLengths();
+
+unsigned int ByteAt(std::string_view text, std::size_t at) {
+  return static_cast<unsigned char>(text[at]);
+}
+
+// Whether the UTF-8 character of `length` bytes in front of `text` is whole and one of XML's.
+bool IsCharacter(std::string_view text, std::size_t length) {
+  if (length > text.size()) return false;
+  unsigned int code = ByteAt(text, 0) & (0xFFu >> (length + 1));
+  for (std::size_t i = 1; i < length; ++i) {
+    if ((ByteAt(text, i) & 0xC0) != 0x80) return false;
+    code = code << 6 | (ByteAt(text, i) & 0x3F);
+  }
+  switch (length) {
+    case 2: return true;
+    case 3: return code >= 0x800 && (code < 0xD800 || code > 0xDFFF) && code < 0xFFFE;
+    default: return code >= 0x10000 && code <= 0x10FFFF;
+  }
+}
+
+}  // namespace
+
+namespace zelcore::detail {
+
+std::size_t CountPlain(std::string_view text) {
+  std::size_t at = 0;
+  while (at < text.size()) {
+    const std::size_t length = kLengths[ByteAt(text, at)];
+    if (length == 0 || (length > 1 && !IsCharacter(text.substr(at), length))) break;
+    at += length;
+  }
+  return at;
+}
+
+std::string Escape(char c) {
+  switch (c) {
+    case '&': return "&amp;";
+    case '<': return "&lt;";
+    case '>': return "&gt;";
+    default: break;
+  }
+  constexpr int kPrivateUse = 0xE000;  // a multiple of 256, by which the reader divides
+  const int code = static_cast<unsigned char>(c);
+  return "&#" + std::to_string(IsForbidden(c) ? kPrivateUse + code : code) + ";";
+}
+
+bool IsForbidden(char c) {
+  const auto code = static_cast<unsigned char>(c);
+  return code < ' ' && c != '\t' && c != '\n' && c != '\r';
+}
+
+}  // namespace zelcore::detail
