@@ -40,20 +40,19 @@ class TDocumentSink::TDeflater {
 };
 
 TDocumentSink::TDocumentSink(const TTarget& target, bool isCompressed)
-    : fTarget(target), fDeflater(isCompressed ? std::make_unique<TDeflater>(target) : nullptr) {
-  fPiece.reserve(kPieceSize);
-}
+    : fTarget(target), fDeflater(isCompressed ? std::make_unique<TDeflater>(target) : nullptr) {}
 
 TDocumentSink::~TDocumentSink() = default;
 
 void TDocumentSink::Pass() {
+  const std::string_view piece(fPiece, fUsed);
   if (fDeflater) {
-    fDeflater->Put(fPiece, Z_NO_FLUSH);
-  } else if (!fPiece.empty()) {
-    fTarget(fPiece);
+    fDeflater->Put(piece, Z_NO_FLUSH);
+  } else if (!piece.empty()) {
+    fTarget(piece);
   }
-  fPassed += fPiece.size();
-  fPiece.clear();
+  fPassed += fUsed;
+  fUsed = 0;
 }
 
 void TDocumentSink::Finish() {

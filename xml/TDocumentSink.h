@@ -1,9 +1,9 @@
 #pragma once
 
 #include <cstddef>
+#include <cstring>
 #include <functional>
 #include <memory>
-#include <string>
 #include <string_view>
 
 // Gathers the text of a document and hands it on in large pieces, compressed if wanted.
@@ -18,24 +18,34 @@ class TDocumentSink {
   TDocumentSink& operator=(const TDocumentSink&) = delete;
 
   void Put(std::string_view text) {
-    if (fPiece.size() + text.size() > kPieceSize) Pass();
-    fPiece.append(text);
+    while (text.size() > kPieceSize - fUsed) {
+      const std::size_t room = kPieceSize - fUsed;
+      Gather(text.substr(0, room));
+      text.remove_prefix(room);
+      Pass();
+    }
+    Gather(text);
   }
   // Must be called, or the end of the document is missing.
   void Finish();
 
   // Of the text, before compression.
-  std::size_t GetSize() const { return fPassed + fPiece.size(); }
+  std::size_t GetSize() const { return fPassed + fUsed; }
 
  private:
   class TDeflater;
   static constexpr std::size_t kPieceSize = 1 << 16;
 
-  // Hands the piece on.
+  // Hands on what has been gathered.
   void Pass();
+  void Gather(std::string_view text) {
+    std::memcpy(fPiece + fUsed, text.data(), text.size());
+    fUsed += text.size();
+  }
 
   const TTarget& fTarget;
   std::unique_ptr<TDeflater> fDeflater;  // null when plain
-  std::string fPiece;
   std::size_t fPassed = 0;
+  std::size_t fUsed = 0;
+  char fPiece[kPieceSize];
 };

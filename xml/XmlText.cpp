@@ -43,9 +43,10 @@ namespace zelcore::detail {
 
 std::size_t CountPlain(std::string_view text) {
   std::size_t at = 0;
-  while (at < text.size()) {
-    const std::size_t length = kLengths[ByteAt(text, at)];
-    if (length == 0 || (length > 1 && !IsCharacter(text.substr(at), length))) break;
+  for (;;) {
+    std::size_t length = 0;
+    while (at < text.size() && (length = kLengths[ByteAt(text, at)]) == 1) ++at;
+    if (at == text.size() || length == 0 || !IsCharacter(text.substr(at), length)) break;
     at += length;
   }
   return at;
