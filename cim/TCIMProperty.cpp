@@ -36,6 +36,13 @@ void TCIMProperty::SetPrevValue(const TCIMValue& value) { fBody->SetPrevValue(va
 void TCIMProperty::SetPrevValue() { fBody->SetPrevValue(TCIMValue()); }
 bool TCIMProperty::IsPrevValueDifferent() const { return fBody->IsPrevValueDifferent(); }
 
+std::string TCIMProperty::ToString() const { return fBody->ToString(); }
+std::vector<std::string> TCIMProperty::ToStringVector() const { return fBody->ToStringVector(); }
+std::string TCIMProperty::PrevToString() const { return fBody->PrevToString(); }
+std::vector<std::string> TCIMProperty::PrevToStringVector() const {
+  return fBody->PrevToStringVector();
+}
+
 bool TCIMProperty::operator==(const TCIMProperty& other) const {
   return *GetDeclaration() == *other.GetDeclaration() && fBody->Value() == other.fBody->Value();
 }

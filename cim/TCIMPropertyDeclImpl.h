@@ -1,5 +1,6 @@
 #pragma once
 
+#include <memory>
 #include <string>
 
 #include "cim/TQualifierSet.h"
@@ -7,6 +8,7 @@
 #include "zelcore/detail/Export.h"
 
 class TCIMPropertyDecl;
+struct TDisplayRules;
 
 class ZEL_API TCIMPropertyDeclImpl {
  public:
@@ -23,10 +25,14 @@ class ZEL_API TCIMPropertyDeclImpl {
   TQualifierSet& Qualifiers() { return fQualifiers; }
   bool IsKey() const { return fQualifiers.IsTrue("KEY"); }
 
+  // What TCIMPropertyDisplay.cpp keeps of the qualifiers; null at first.
+  std::shared_ptr<TDisplayRules>& DisplayRules() { return fDisplayRules; }
+
  private:
   TCIMPropertyDecl* fOwner;  // the handle that made this
   std::string fName;
   TCIMClass* fClass;  // the class that declared it
   TCIMValue fValue;
   TQualifierSet fQualifiers;
+  std::shared_ptr<TDisplayRules> fDisplayRules;
 };

@@ -1,6 +1,8 @@
 #pragma once
 
 #include <memory>
+#include <string>
+#include <vector>
 
 #include "zelcore/TCIMProperty.h"
 #include "zelcore/TCIMPropertyDecl.h"
@@ -31,7 +33,41 @@ class ZEL_API TCIMPropertyImpl {
   bool IsPrevValueDifferent() const { return fPrevDiffers; }
   void SetPrevValue(const TCIMValue& value);
 
+  // Text for people, in TCIMPropertyDisplay.cpp.
+
+  // One row of a value map: the codes from `low` to `high` show as `text`.
+  struct TValueMapEntry {
+    unsigned long low;
+    unsigned long high;  // all ones: open-ended
+    std::string text;
+  };
+
+  std::string ToString() const;
+  std::string PrevToString() const;
+  std::vector<std::string> ToStringVector() const;
+  std::vector<std::string> PrevToStringVector() const;
+  // Without the value map.
+  std::vector<std::string> ToStringVectorWithBase() const;
+  std::vector<std::string> PrevToStringVectorWithBase() const;
+  // What NULL, the units and the base make of one value.
+  std::string ToStringWithQualifiers(const TCIMValue& value) const;
+  std::string ToStringWithBase(const TCIMValue& value) const;
+
+  // Whether the declaration has a usable value map; it then replaces what `entries` and
+  // `defaultText` hold. A broken one is logged, each time.
+  bool BuildValueMapEntryArray(std::vector<TValueMapEntry>& entries,
+                               std::string& defaultText) const;
+  // The text of the first row that holds `value`, else `defaultText`, else its number. Throws
+  // zelStatusValueIsNULL for NULL, zelStatusTypeMismatch for what is no boolean or unsigned
+  // integer.
+  std::string LookupInTable(const TCIMValue& value, const std::vector<TValueMapEntry>& entries,
+                            const std::string& defaultText) const;
+
  private:
+  std::string Show(const TCIMValue& value) const;
+  std::vector<std::string> ShowEach(const TCIMValue& value) const;
+  std::vector<std::string> ShowEachWithBase(const TCIMValue& value) const;
+
   void Check(const char* operation, const TCIMValue& value) const;
   void ReplaceValue(TCIMValue&& value);
 

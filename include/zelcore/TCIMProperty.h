@@ -1,6 +1,7 @@
 #pragma once
 
 #include <string>
+#include <vector>
 
 #include "zelcore/TCIMValue.h"
 #include "zelcore/detail/Export.h"
@@ -42,6 +43,19 @@ class ZEL_API TCIMProperty {
   void SetPrevValue();
   // Whether a previous value was ever set.
   bool IsPrevValueDifferent() const;
+
+  // The value as text for people, by the qualifiers of the declaration: NULLDISPLAY, Values and
+  // ValueMap, UNITS, DISPLAYFIXEDUNITS, ABBREVIATEUNITS, DISPLAYCPUTIME and BASE. A broken value
+  // map is logged and passed over. Throws zelStatusNotSupported where BASE does not suit the value,
+  // zelStatusInvalidDateTime for "KiloSeconds" and above, zelStatusValueIsNULL for a NULL element
+  // of a mapped array.
+  std::string ToString() const;
+  // The same of each element. A scalar gives one text, without the value map; a NULL array one,
+  // too.
+  std::vector<std::string> ToStringVector() const;
+  // The same of GetPrevValue().
+  std::string PrevToString() const;
+  std::vector<std::string> PrevToStringVector() const;
 
   // By name, then by value; a missing own value counts as the declaration's default.
   bool operator==(const TCIMProperty& other) const;
