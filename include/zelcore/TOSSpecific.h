@@ -68,6 +68,17 @@ class ZEL_API TOSSpecific {
   // The whole file. Throws zelStatusFileSystemError when it cannot be opened.
   static std::string CaptureFile(const std::string& path);
 
+  // Sets where FTPFile() stores: in `directory`, seen from where the server lets its users in, on
+  // `host`, which may carry a port ("127.0.0.1:2121"). Until then the target is that of the build
+  // (ZEL_FTP_HOST, ZEL_FTP_DIRECTORY).
+  static void SetFTPTarget(const std::string& host, const std::string& directory);
+  // Uploads the file as `remoteName` + ".xml.gz", anonymously and with no time limit. Both names
+  // are parts of a URL as they stand, nothing is escaped. libcurl does it, loaded meanwhile by the
+  // name "libcurl.so". Throws zelStatusLibCurlFailure without it or for a failed transfer,
+  // zelStatusConnectionFailed when the host is not found or refuses, zelStatusFileSystemError for a
+  // file that cannot be read.
+  static void FTPFile(const std::string& localPath, const std::string& remoteName);
+
   // The paths of the plug-ins below `directory`: every file whose name contains ".pi.so" in a
   // subdirectory, in the system's order. Throws zelStatusFileSystemError when `directory` cannot be
   // read; a subdirectory that cannot is passed over with a warning.
