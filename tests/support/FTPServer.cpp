@@ -1,0 +1,45 @@
+#include "tests/support/FTPServer.h"
+
+#include <fcntl.h>
+#include <gtest/gtest.h>
+#include <signal.h>
+#include <sys/prctl.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+#include <regex>
+
+namespace {
+
+constexpr int kStartingSeconds = 20;
+
+[[noreturn]] void BecomeServer(const std::string& directory, const std::string& log) {
+  prctl(PR_SET_PDEATHSIG, SIGKILL);
+  const int output = open(log.c_str(), O_WRONLY | O_CREAT, 0600);
+  dup2(output, STDOUT_FILENO);
+  dup2(output, STDERR_FILENO);
+  execl("/usr/bin/python3", "python3", "-m", "pyftpdlib", "-i", "127.0.0.1", "-p", "0", "-w", "-d",
+        directory.c_str(), nullptr);
+  _exit(1);
+}
+
+}  // namespace
+
+FTPServer::FTPServer() : fPid(fork()) {
+  const std::string log = fLogDir.PathOf("log");
+  if (fPid == 0) BecomeServer(fDir.GetPath(), log);
+  // It chooses a free port and tells which.
+  const std::regex host("FTP server on (127\\.0\\.0\\.1:[0-9]+)");
+  for (int tenths = 0; fHost.empty() && tenths < kStartingSeconds * 10; ++tenths) {
+    usleep(100 * 1000);
+    std::smatch match;
+    const std::string text = ReadFile(log);
+    if (std::regex_search(text, match, host)) fHost = match[1];
+  }
+  EXPECT_NE("", fHost) << ReadFile(log);
+}
+
+FTPServer::~FTPServer() {
+  kill(fPid, SIGKILL);
+  waitpid(fPid, nullptr, 0);
+}
