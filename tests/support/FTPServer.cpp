@@ -7,8 +7,6 @@
 #include <sys/wait.h>
 #include <unistd.h>
 
-#include <regex>
-
 namespace {
 
 constexpr int kStartingSeconds = 20;
@@ -23,18 +21,21 @@ constexpr int kStartingSeconds = 20;
   _exit(1);
 }
 
+// The server chooses a free port and tells which: "... FTP server on 127.0.0.1:PORT, ...".
+std::string HostIn(const std::string& log) {
+  const std::size_t begin = log.find("127.0.0.1:");
+  const std::size_t end = log.find(',', begin);
+  return end == std::string::npos ? "" : log.substr(begin, end - begin);
+}
+
 }  // namespace
 
 FTPServer::FTPServer() : fPid(fork()) {
   const std::string log = fLogDir.PathOf("log");
   if (fPid == 0) BecomeServer(fDir.GetPath(), log);
-  // It chooses a free port and tells which.
-  const std::regex host("FTP server on (127\\.0\\.0\\.1:[0-9]+)");
   for (int tenths = 0; fHost.empty() && tenths < kStartingSeconds * 10; ++tenths) {
     usleep(100 * 1000);
-    std::smatch match;
-    const std::string text = ReadFile(log);
-    if (std::regex_search(text, match, host)) fHost = match[1];
+    fHost = HostIn(ReadFile(log));
   }
   EXPECT_NE("", fHost) << ReadFile(log);
 }
