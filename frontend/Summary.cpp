@@ -45,8 +45,6 @@ std::string Counted(unsigned long count, const char* what) {
   return fmt::format("{} {}{}", count, what, count == 1 ? "" : "s");
 }
 
-std::string Plain(const TCIMProperty& property) { return PropertyText(property); }
-
 std::string Bytes(const TCIMProperty& property) {
   return BytesText(static_cast<unsigned long>(property.GetValue()));
 }
@@ -84,7 +82,7 @@ class TSummary {
   }
 
   // The fact of the first instance of a class.
-  std::string FactOf(const char* className, const char* property, TShow show = Plain) const {
+  std::string FactOf(const char* className, const char* property, TShow show = PropertyText) const {
     const TInstances instances = InstancesOf(fContainer, className);
     return instances.empty() ? kNotAvailable : Fact(*instances.front(), property, show);
   }
@@ -98,8 +96,7 @@ class TSummary {
     Row("Product", maker == kNotAvailable ? product : fmt::format("{} {}", maker, product));
     Row("Serial number", FactOf(kSystem, "SerialNumber"));
     Row("Machine type and model", FactOf("KVRSG_SystemBIOSElement", "MachineTypeModel"));
-    Row("Kind", Kind(FactOf(kSystem, "VirtualizationType", EnumerationText),
-                     FactOf(kSystem, "ContainerType")));
+    Row("Kind", Kind(FactOf(kSystem, "VirtualizationType"), FactOf(kSystem, "ContainerType")));
   }
 
   // "physical", "virtual (KVM)", "virtual (KVM), in a container (docker)"
@@ -131,7 +128,7 @@ class TSummary {
     unsigned long cores = 0;
     unsigned long threads = 0;
     for (const TCIMInstance* processor : processors) {
-      models.insert(Fact(*processor, "Name", Plain));
+      models.insert(Fact(*processor, "Name", PropertyText));
       cores += Number(*processor, "NumberOfEnabledCores");
       threads += Number(*processor, "NumberOfHardwareThreads");
     }
@@ -148,9 +145,9 @@ class TSummary {
   std::string Caches() const {
     std::map<std::pair<std::string, std::string>, std::size_t> caches;
     for (const TCIMInstance* cache : InstancesOf(fContainer, "KVRSG_CacheMemory")) {
-      const std::string type = Fact(*cache, "CacheType", EnumerationText);
+      const std::string type = Fact(*cache, "CacheType", PropertyText);
       const char* suffix = type == "Data" ? "d" : type == "Instruction" ? "i" : "";
-      ++caches[{"L" + Fact(*cache, "Level", Plain) + suffix, Fact(*cache, "Size", Bytes)}];
+      ++caches[{"L" + Fact(*cache, "Level", PropertyText) + suffix, Fact(*cache, "Size", Bytes)}];
     }
     std::string text;
     for (const auto& [kind, count] : caches) {
@@ -180,7 +177,7 @@ class TSummary {
       if (!populated || PropertyText(*populated) != "true") continue;
       ++used;
       ++modules[fmt::format("{} {}", Fact(*slot, "Capacity", Bytes),
-                            Fact(*slot, "MemoryType", EnumerationText))];
+                            Fact(*slot, "MemoryType", PropertyText))];
     }
     std::string text;
     for (const auto& [kind, count] : modules) text += fmt::format("{} x {}, ", count, kind);
@@ -189,8 +186,8 @@ class TSummary {
 
   void Outcome() {
     for (const TCIMInstance* product : InstancesOf(fContainer, "KVRSG_VNTProduct")) {
-      fOut << fmt::format("Collected by {} {}\n", Fact(*product, "Name", Plain),
-                          Fact(*product, "Version", Plain));
+      fOut << fmt::format("Collected by {} {}\n", Fact(*product, "Name", PropertyText),
+                          Fact(*product, "Version", PropertyText));
     }
     std::size_t loaded = 0;
     for (const TPluginOutcome& outcome : fCollection.GetOutcomes()) loaded += !outcome.Failed();

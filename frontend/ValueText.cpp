@@ -30,16 +30,10 @@ nlohmann::ordered_json RealJson(double value, std::string text) {
   return text;
 }
 
-// The elements of a qualifier that is an array of strings; none for any other.
-std::vector<std::string> Strings(const TCIMPropertyDecl& decl, const char* qualifierName) {
-  const TCIMQualifier* qualifier = decl.FindQualifier(qualifierName);
-  if (!qualifier || qualifier->GetValue().IsNull() ||
-      qualifier->GetType() != (TType::TypeString | TType::TypeArray)) {
-    return {};
-  }
-  const TCIMValue value = qualifier->GetValue();
-  const std::vector<TCIMValue>& elements = value;
-  return {elements.begin(), elements.end()};
+// Durations end with a blank.
+std::string Trimmed(std::string text) {
+  while (!text.empty() && text.back() == ' ') text.pop_back();
+  return text;
 }
 
 bool IsTrue(const TCIMQualifier* qualifier) {
@@ -92,17 +86,6 @@ std::string ValueText(const TCIMValue& value) {
   return Printable(value.ToString(10));
 }
 
-std::string EnumerationText(const TCIMProperty& property) {
-  std::string code = PropertyText(property);
-  const std::vector<std::string> words = Strings(*property.GetDeclaration(), "VALUES");
-  const std::vector<std::string> codes = Strings(*property.GetDeclaration(), "VALUEMAP");
-  for (std::size_t i = 0; i < words.size(); ++i) {
-    const std::string wordCode = i < codes.size() ? codes[i] : std::to_string(i);
-    if (wordCode == code) return Printable(words[i]);
-  }
-  return code;
-}
-
 std::string BytesText(unsigned long bytes) {
   constexpr const char* kUnits[] = {"B", "KiB", "MiB", "GiB", "TiB", "PiB", "EiB"};
   auto number = static_cast<double>(bytes);
@@ -123,7 +106,15 @@ std::string MissingText(const TCIMProperty& property) {
 
 std::string PropertyText(const TCIMProperty& property) {
   const TCIMValue value = property.GetValue();
-  return value.IsNull() ? MissingText(property) : ValueText(value);
+  if (value.IsNull()) return MissingText(property);
+  // What has neither unit nor value map is shown our own way: datetimes in ISO 8601.
+  const bool isPlain = value.GetType() == TType::TypeDateTime || value.IsArray();
+  if (isPlain) return ValueText(value);
+  try {
+    return Trimmed(Printable(property.ToString()));
+  } catch (const TZELException&) {
+    return ValueText(value);  // qualifiers that do not fit the type
+  }
 }
 
 nlohmann::ordered_json ValueJson(const TCIMValue& value) {

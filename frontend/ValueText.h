@@ -13,10 +13,6 @@ namespace zel {
 // escaped. `value` must not be NULL.
 std::string ValueText(const TCIMValue& value);
 
-// The word that the value map of the declaration (VALUES, with or without VALUEMAP) has for the
-// property's value; the plain text where it has none. Ranges are not looked into.
-std::string EnumerationText(const TCIMProperty& property);
-
 // "16 GiB", "1.5 MiB", "512 B".
 std::string BytesText(unsigned long bytes);
 
@@ -27,7 +23,8 @@ inline constexpr char kNotAvailable[] = "not available";
 // else kNotAvailable.
 std::string MissingText(const TCIMProperty& property);
 
-// The value's text, or why it is missing.
+// The value as its declaration says it is to be shown, with units and value map, or why it is
+// missing.
 std::string PropertyText(const TCIMProperty& property);
 
 // A value as JSON: numbers and booleans as such, uint64 and sint64 beyond 2^53 as text, datetimes
