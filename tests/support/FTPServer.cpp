@@ -16,6 +16,7 @@ constexpr int kStartingSeconds = 20;
   const int output = open(log.c_str(), O_WRONLY | O_CREAT, 0600);
   dup2(output, STDOUT_FILENO);
   dup2(output, STDERR_FILENO);
+  if (chdir(directory.c_str()) != 0) _exit(1);  // it wants one that exists
   execl("/usr/bin/python3", "python3", "-m", "pyftpdlib", "-i", "127.0.0.1", "-p", "0", "-w", "-d",
         directory.c_str(), nullptr);
   _exit(1);
