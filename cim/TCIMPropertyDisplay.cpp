@@ -1,25 +1,21 @@
 // The operations of TCIMPropertyImpl that make text for people of a value.
 
-#include <algorithm>
 #include <charconv>
 #include <cstdint>
 #include <iterator>
-#include <limits>
-#include <locale>
 #include <memory>
 #include <optional>
-#include <sstream>
 #include <string>
 #include <string_view>
 #include <type_traits>
-#include <utility>
 #include <vector>
 
 #include "cim/SchemaChanges.h"
 #include "cim/TCIMNumericValueImpl.h"
 #include "cim/TCIMPropertyDeclImpl.h"
 #include "cim/TCIMPropertyImpl.h"
-#include "cim/TCIMQualifierImpl.h"
+#include "cim/TQualifierSet.h"
+#include "cim/TValueMap.h"
 #include "zelcore/TCIMDateTime.h"
 #include "zelcore/detail/Ascii.h"
 #include "zelcore/detail/Fail.h"
@@ -71,8 +67,6 @@ constexpr TScalableUnit kScalableUnits[] = {
     {"Bits per Second",  1000, "bps" },
 };
 
-constexpr unsigned long kOpenEnd = std::numeric_limits<unsigned long>::max();
-
 bool IsUnsignedInteger(TCIMType type) {
   return type == TCIMType::TypeUint8 || type == TCIMType::TypeUint16 ||
          type == TCIMType::TypeUint32 || type == TCIMType::TypeUint64;
@@ -97,134 +91,15 @@ unsigned long CodeOf(const TCIMValue& value) {
   });
 }
 
-// Qualifiers. One that is NULL counts as absent.
-
-const TCIMValue* FindValue(const TQualifierSet& qualifiers, const char* name) {
-  const TCIMQualifier* const qualifier = qualifiers.Find(name);
-  if (!qualifier) return nullptr;
-  const TCIMValue& value = qualifier->GetBody()->Value();
-  return value.IsNull() ? nullptr : &value;
-}
-
+// A qualifier of another type counts as absent.
 const TCIMValue* FindValue(const TQualifierSet& qualifiers, const char* name, TCIMType type) {
-  const TCIMValue* const value = FindValue(qualifiers, name);
+  const TCIMValue* const value = qualifiers.FindValue(name);
   return value && value->GetType() == type ? value : nullptr;
 }
 
 std::string FindText(const TQualifierSet& qualifiers, const char* name) {
   const TCIMValue* const value = FindValue(qualifiers, name, TCIMType::TypeString);
   return value ? static_cast<std::string>(*value) : std::string();
-}
-
-// Value maps.
-
-struct TValueMap {
-  std::vector<TValueMapEntry> entries;
-  std::string defaultText;
-  const char* complaint = nullptr;  // what is wrong with the map, after the property's name
-  bool isUsable = false;
-  bool isOrdered = false;  // rising, without overlaps
-};
-
-// Reads a code and what stands behind it; the base is left open.
-class TCodeReader {
- public:
-  explicit TCodeReader(const std::string& text) : fIn(text) {
-    fIn.imbue(std::locale::classic());
-    fIn.unsetf(std::ios::basefield);
-  }
-
-  bool SkipTwoPoints() { return fIn.get() == '.' && fIn.get() == '.'; }
-
-  // 0 for what is no number.
-  unsigned long ReadNumber() {
-    unsigned long number = 0;
-    fIn >> number;
-    return number;
-  }
-
- private:
-  std::istringstream fIn;
-};
-
-// Adds the rows of ValueMap's codes and Values' texts. Returns what is wrong with them, or null.
-const char* AddRows(const std::vector<TCIMValue>& codes, const std::vector<TCIMValue>& texts,
-                    TValueMap& map) {
-  std::vector<TValueMapEntry>& rows = map.entries;
-  rows.reserve(codes.size());
-  unsigned long nextCode = 0;
-  for (std::size_t i = 0; i < codes.size(); ++i) {
-    const std::string code = codes[i];
-    std::string text = texts[i].ToString(10);
-    const bool isOpen = !rows.empty() && rows.back().high == kOpenEnd;
-    if (code == "..") {
-      if (isOpen) return " has a .. VALUEMAP entry after another entry that ends with ..!";
-      map.defaultText = std::move(text);
-      continue;
-    }
-    TCodeReader reader(code);
-    if (code.compare(0, 2, "..") == 0) {
-      if (isOpen) return " has a ..<value> VALUEMAP entry after another entry that ends with ..!";
-      reader.SkipTwoPoints();
-      rows.push_back({nextCode, reader.ReadNumber(), std::move(text)});
-    } else {
-      const unsigned long number = reader.ReadNumber();
-      if (isOpen) rows.back().high = number - 1;
-      // sic: "4..9" is "4.."; the next row ends it.
-      const unsigned long high = reader.SkipTwoPoints() ? kOpenEnd : number;
-      rows.push_back({number, high, std::move(text)});
-    }
-    nextCode = rows.back().high + 1;
-  }
-  return nullptr;
-}
-
-void AddNumberedRows(const std::vector<TCIMValue>& texts, std::vector<TValueMapEntry>& rows) {
-  rows.reserve(texts.size());
-  for (const TCIMValue& text : texts) rows.push_back({rows.size(), rows.size(), text.ToString(10)});
-}
-
-bool AreOrdered(const std::vector<TValueMapEntry>& rows) {
-  for (std::size_t i = 0; i < rows.size(); ++i) {
-    if (rows[i].low > rows[i].high) return false;
-    if (i > 0 && rows[i].low <= rows[i - 1].high) return false;
-  }
-  return true;
-}
-
-TValueMap ReadValueMap(const TQualifierSet& qualifiers) {
-  constexpr auto kTexts = TCIMType::ECIMType(TCIMType::TypeString | TCIMType::TypeArray);
-  TValueMap map;
-  const TCIMValue* const texts = FindValue(qualifiers, "Values");
-  if (!texts) return map;
-  const TCIMValue* const codes = FindValue(qualifiers, "ValueMap");
-  if (texts->GetType() != kTexts) {
-    map.complaint = " has a VALUE qualifier that isn't a string!";
-  } else if (!codes) {
-    AddNumberedRows(*texts, map.entries);
-  } else if (codes->GetType() != kTexts) {
-    map.complaint = " has a VALUEMAP qualifier that isn't a string!";
-  } else if (ElementsOf(*codes).size() != ElementsOf(*texts).size()) {
-    map.complaint = " has VALUE and VALUEMAP qualifiers that aren't the same size!";
-  } else {
-    map.complaint = AddRows(*codes, *texts, map);
-  }
-  map.isUsable = !map.complaint;
-  map.isOrdered = AreOrdered(map.entries);
-  return map;
-}
-
-const TValueMapEntry* FindInOrder(const std::vector<TValueMapEntry>& rows, unsigned long code) {
-  const auto row = std::partition_point(
-      rows.begin(), rows.end(), [code](const TValueMapEntry& entry) { return entry.high < code; });
-  return row != rows.end() && row->low <= code ? &*row : nullptr;
-}
-
-const TValueMapEntry* FindFirst(const std::vector<TValueMapEntry>& rows, unsigned long code) {
-  const auto row = std::find_if(rows.begin(), rows.end(), [code](const TValueMapEntry& entry) {
-    return entry.low <= code && code <= entry.high;
-  });
-  return row != rows.end() ? &*row : nullptr;
 }
 
 std::string TextOf(const TValueMapEntry* row, const std::string& defaultText,
@@ -234,13 +109,8 @@ std::string TextOf(const TValueMapEntry* row, const std::string& defaultText,
 }
 
 std::string Translate(const TCIMValue& value, const TValueMap& map) {
-  const unsigned long code = CodeOf(value);
-  const TValueMapEntry* const row =
-      map.isOrdered ? FindInOrder(map.entries, code) : FindFirst(map.entries, code);
-  return TextOf(row, map.defaultText, value);
+  return TextOf(map.Find(CodeOf(value)), map.defaultText, value);
 }
-
-// Units.
 
 int SplitMultiple(std::string_view& unit) {
   for (int i = 0; i < static_cast<int>(std::size(kMultiples)); ++i) {
@@ -331,8 +201,8 @@ struct TDisplayRules {
       : changes(currentChanges),
         nullText(FindText(qualifiers, "NULLDISPLAY")),
         target(FindTarget(FindText(qualifiers, "DISPLAYFIXEDUNITS"))),
-        isShort(FindValue(qualifiers, "ABBREVIATEUNITS") != nullptr),
-        isCPUTime(FindValue(qualifiers, "DISPLAYCPUTIME") != nullptr) {
+        isShort(qualifiers.FindValue("ABBREVIATEUNITS") != nullptr),
+        isCPUTime(qualifiers.FindValue("DISPLAYCPUTIME") != nullptr) {
     const TCIMValue* const declaredBase = FindValue(qualifiers, "BASE", TCIMType::TypeUint8);
     if (declaredBase) base = *declaredBase;
     const std::string declaredUnit = FindText(qualifiers, "UNITS");
@@ -369,7 +239,7 @@ TDisplayRules& RulesOf(const TCIMPropertyDecl& declaration) {
 // Null when there is no usable value map.
 const TValueMap* FindValueMap(const TCIMPropertyDecl& declaration) {
   std::optional<TValueMap>& map = RulesOf(declaration).valueMap;
-  if (!map) map = ReadValueMap(declaration.GetBody()->Qualifiers());
+  if (!map) map.emplace(declaration.GetBody()->Qualifiers());
   if (map->complaint) {
     LogCore(zelLogDebug, Text("Property ", declaration.GetName(), map->complaint));
   }
@@ -449,5 +319,5 @@ bool TCIMPropertyImpl::BuildValueMapEntryArray(std::vector<TValueMapEntry>& entr
 std::string TCIMPropertyImpl::LookupInTable(const TCIMValue& value,
                                             const std::vector<TValueMapEntry>& entries,
                                             const std::string& defaultText) const {
-  return TextOf(FindFirst(entries, CodeOf(value)), defaultText, value);
+  return TextOf(TValueMap::FindFirst(entries, CodeOf(value)), defaultText, value);
 }

@@ -56,11 +56,16 @@ void TQualifierSet::Remove(TCIMQualifier& qualifier) {
   fQualifiers.erase(found);
 }
 
-bool TQualifierSet::IsTrue(const char* name) const {
+const TCIMValue* TQualifierSet::FindValue(const char* name) const {
   const auto found = fQualifiers.find(std::string_view(name));
-  if (found == fQualifiers.end()) return false;
+  if (found == fQualifiers.end()) return nullptr;
   const TCIMValue& value = found->second->GetBody()->Value();
-  return !value.IsNull() && static_cast<bool>(value);
+  return value.IsNull() ? nullptr : &value;
+}
+
+bool TQualifierSet::IsTrue(const char* name) const {
+  const TCIMValue* const value = FindValue(name);
+  return value && static_cast<bool>(*value);
 }
 
 void TQualifierSet::InheritFrom(const TQualifierSet& superClass) {

@@ -18,6 +18,8 @@ class TQualifierSet {
   std::vector<TCIMQualifier const*> Enumerate() const;
   void Remove(TCIMQualifier& qualifier);
 
+  // The value of a qualifier, or null when it is not there or NULL.
+  const TCIMValue* FindValue(const char* name) const;
   // Whether the qualifier is there, not NULL and true. Throws zelStatusTypeMismatch when it is no
   // boolean.
   bool IsTrue(const char* name) const;
