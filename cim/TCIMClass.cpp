@@ -55,6 +55,16 @@ TCIMInstance* TCIMClass::FindInstance(const TCIMReference& path) const {
 std::vector<TCIMInstance*> TCIMClass::EnumerateInstances(bool deep) const {
   return fBody->EnumerateInstances(deep);
 }
+std::vector<TCIMClass*> TCIMClass::References(const std::string& assocClass,
+                                              const std::string& role) const {
+  return fBody->References(assocClass, role);
+}
+std::vector<TCIMClass*> TCIMClass::Associators(const std::string& assocClass,
+                                               const std::string& resultClass,
+                                               const std::string& role,
+                                               const std::string& resultRole) const {
+  return fBody->Associators(assocClass, resultClass, role, resultRole);
+}
 // sic: the names as given, with their case.
 bool TCIMClass::operator==(const TCIMClass& other) const { return GetName() == other.GetName(); }
 bool TCIMClass::operator<(const TCIMClass& other) const { return GetName() < other.GetName(); }

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <boost/make_shared.hpp>
+#include <functional>
 #include <utility>
 
 #include "cim/OrNotFound.h"
@@ -17,6 +18,7 @@ using zelcore::detail::CheckName;
 using zelcore::detail::Fail;
 using zelcore::detail::OrNotFound;
 using zelcore::detail::Text;
+using zelcore::detail::TNameLess;
 
 namespace {
 
@@ -45,6 +47,12 @@ class TSubclassWalk {
 };
 
 }  // namespace
+
+bool TCIMClassImpl::TByName::operator()(const TCIMClass* a, const TCIMClass* b) const {
+  const TNameLess isLess;
+  if (isLess(a->GetName(), b->GetName())) return true;
+  return !isLess(b->GetName(), a->GetName()) && std::less<>()(a, b);
+}
 
 TCIMClassImpl::TCIMClassImpl(TCIMClass* owner, TContainer* container, const std::string& name,
                              TCIMClass* superClass)

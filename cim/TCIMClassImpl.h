@@ -16,6 +16,12 @@ class TCIMReference;
 
 class ZEL_API TCIMClassImpl : public TCIMElementImpl {
  public:
+  // Classes of different containers may have one name.
+  struct TByName {
+    bool operator()(const TCIMClass* a, const TCIMClass* b) const;
+  };
+  using TAssociationClasses = std::set<TCIMClass*, TByName>;
+
   TCIMClassImpl(TCIMClass* owner, TContainer* container, const std::string& name,
                 TCIMClass* superClass);
   TCIMClassImpl(const TCIMClassImpl&) = delete;
@@ -60,7 +66,12 @@ class ZEL_API TCIMClassImpl : public TCIMElementImpl {
   void AddChildClass(TCIMClass& child);
   void RemoveChildClass(TCIMClass& child);
   void AddAssociationClass(TCIMClass& association);
-  const std::set<TCIMClass*>& GetAssociationClasses() const { return fAssociationClasses; }
+  const TAssociationClasses& GetAssociationClasses() const { return fAssociationClasses; }
+
+  // In AssociationTraversal.cpp.
+  std::vector<TCIMClass*> References(const std::string& assocClass, const std::string& role) const;
+  std::vector<TCIMClass*> Associators(const std::string& assocClass, const std::string& resultClass,
+                                      const std::string& role, const std::string& resultRole) const;
 
  private:
   // Shared with the superclass until the declarations of one of the two change.
@@ -79,9 +90,9 @@ class ZEL_API TCIMClassImpl : public TCIMElementImpl {
   TCIMClass* fSuperClass;  // null for the root class only
   TQualifierSet fQualifiers;
   boost::shared_ptr<TDeclTable> fTable;
-  std::vector<TCIMClass*> fSubClasses;       // in the order in which they were added
-  std::set<TCIMClass*> fAssociationClasses;  // those that refer to this class
-  std::vector<TCIMClass*> fAssociated;       // the classes whose set this association is in
+  std::vector<TCIMClass*> fSubClasses;      // in the order in which they were added
+  TAssociationClasses fAssociationClasses;  // those that refer to this class
+  std::vector<TCIMClass*> fAssociated;      // the classes whose set this association is in
   TInstanceRegistry fInstances;
   bool fAdded;
 };

@@ -50,6 +50,16 @@ std::vector<TCIMProperty const*> TCIMInstance::EnumerateProperties() const {
   return fBody->EnumerateProperties();
 }
 TCIMReference TCIMInstance::BuildPath() const { return fBody->BuildPath(); }
+std::vector<TCIMInstance*> TCIMInstance::References(const std::string& assocClass,
+                                                    const std::string& role) const {
+  return fBody->References(assocClass, role);
+}
+std::vector<TCIMInstance*> TCIMInstance::Associators(const std::string& assocClass,
+                                                     const std::string& resultClass,
+                                                     const std::string& role,
+                                                     const std::string& resultRole) const {
+  return fBody->Associators(assocClass, resultClass, role, resultRole);
+}
 bool TCIMInstance::operator==(const TCIMInstance& other) const { return *fBody == *other.fBody; }
 bool TCIMInstance::operator<(const TCIMInstance& other) const { return *fBody < *other.fBody; }
 boost::shared_ptr<TCIMInstanceImpl> TCIMInstance::GetBody() const { return fBody; }

@@ -41,6 +41,13 @@ class ZEL_API TCIMInstanceImpl : public TCIMElementImpl {
   // BuildPath().GetPath(), without making the path in between.
   std::string BuildPathText() const;
 
+  // In AssociationTraversal.cpp.
+  std::vector<TCIMInstance*> References(const std::string& assocClass,
+                                        const std::string& role) const;
+  std::vector<TCIMInstance*> Associators(const std::string& assocClass,
+                                         const std::string& resultClass, const std::string& role,
+                                         const std::string& resultRole) const;
+
   bool operator==(const TCIMInstanceImpl& other) const;
   bool operator<(const TCIMInstanceImpl& other) const {
     return std::less<>()(fClass, other.fClass);

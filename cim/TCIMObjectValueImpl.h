@@ -27,13 +27,14 @@ class TCIMObjectValueImpl : public TCIMValueImpl {
     return other.GetType() == kType && fValue < ValueOf(other);
   }
 
- protected:
-  const T fValue;
-
- private:
+  // What `value`, of this variant's type, holds, to be read without a copy. Throws
+  // zelStatusValueIsNULL.
   static const T& ValueOf(const TCIMValue& value) {
     return static_cast<const TCIMObjectValueImpl&>(VariantOf(value)).fValue;
   }
+
+ protected:
+  const T fValue;
 };
 
 class ZEL_API TCIMStringValueImpl final

@@ -109,8 +109,13 @@ std::string TCIMReferenceImpl::GetPath() const {
 
 ICIMElement* TCIMReferenceImpl::GetCIMElement(const TCIMReference& path) const {
   if (fBindings.empty()) return fClass;
-  if (!fElement) fElement = fClass->FindInstance(path);
+  fElement = FindInstance(path);
   return OrNotFound(fElement);
+}
+
+TCIMInstance* TCIMReferenceImpl::FindInstance(const TCIMReference& path) const {
+  if (fBindings.empty()) return nullptr;
+  return fElement ? fElement : fClass->FindInstance(path);
 }
 
 bool TCIMReferenceImpl::operator==(const TCIMReferenceImpl& other) const {

@@ -6,6 +6,8 @@
 #include "zelcore/TCIMReference.h"
 #include "zelcore/detail/Export.h"
 
+class TCIMInstance;
+
 class ZEL_API TCIMReferenceImpl {
  public:
   TCIMReferenceImpl(TCIMReference* owner, const TContainer* container);
@@ -28,6 +30,8 @@ class ZEL_API TCIMReferenceImpl {
   std::string GetPath() const;
   // `path` is the handle.
   ICIMElement* GetCIMElement(const TCIMReference& path) const;
+  // The instance that GetCIMElement() would return, or null; nothing is remembered.
+  TCIMInstance* FindInstance(const TCIMReference& path) const;
 
   bool operator==(const TCIMReferenceImpl& other) const;
   bool operator<(const TCIMReferenceImpl& other) const;
@@ -39,5 +43,5 @@ class ZEL_API TCIMReferenceImpl {
   const TContainer* fContainer;
   TCIMClass* fClass;
   std::map<std::string, TCIMValue> fBindings;
-  mutable ICIMElement* fElement;  // once found; not owned
+  mutable TCIMInstance* fElement;  // once found; not owned
 };

@@ -79,6 +79,18 @@ class ZEL_API TCIMClass : public ICIMElement, public ICIMAllowQualifiers {
   // gathered the same way.
   std::vector<TCIMInstance*> EnumerateInstances(bool deep) const;
 
+  // The associations that refer to this class: those recorded on it by name, then those recorded on
+  // each superclass upwards. Only those that are a subclass of `assocClass` and, with a `role`,
+  // whose reference of that name is declared to this very class. Empty texts restrict nothing; an
+  // unknown `assocClass` matches nothing. Throw zelStatusInvalidCIMName for an invalid name.
+  std::vector<TCIMClass*> References(const std::string& assocClass, const std::string& role) const;
+  // What the other references of these associations are declared to, as far as it is a subclass of
+  // `resultClass`: the reference named `resultRole`, or without it all by name but the first that
+  // is this class's own end (named `role`, or without it declared to this class). May tell a class
+  // more than once.
+  std::vector<TCIMClass*> Associators(const std::string& assocClass, const std::string& resultClass,
+                                      const std::string& role, const std::string& resultRole) const;
+
   // By name, case-sensitively, unlike every other comparison of the model.
   bool operator==(const TCIMClass& other) const;
   bool operator<(const TCIMClass& other) const;

@@ -49,6 +49,19 @@ class ZEL_API TCIMInstance : public ICIMElement {
   // The class and its key values as they are now. The path has no container.
   TCIMReference BuildPath() const;
 
+  // The instances of the class's References() of which a reference, the one named `role` if that is
+  // not empty, leads to this instance: class by class, in the order of their paths. Each is told
+  // once. References that lead nowhere are passed over.
+  std::vector<TCIMInstance*> References(const std::string& assocClass,
+                                        const std::string& role) const;
+  // What the other references of these instances lead to, as far as the class that a reference
+  // names is a subclass of `resultClass`: the reference named `resultRole`, or without it all by
+  // name but the first that is the own end (named `role`, or without it to this instance's class).
+  // An instance that is reached twice is told twice.
+  std::vector<TCIMInstance*> Associators(const std::string& assocClass,
+                                         const std::string& resultClass, const std::string& role,
+                                         const std::string& resultRole) const;
+
   // The same class object and equal properties.
   bool operator==(const TCIMInstance& other) const;
   // By the address of the class alone.

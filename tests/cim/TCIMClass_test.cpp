@@ -23,7 +23,8 @@ TNames PathsOf(const std::vector<TCIMInstance*>& instances) {
 }
 
 std::set<TCIMClass*> AssociationsOf(const TCIMClass& cls) {
-  return cls.GetBody()->GetAssociationClasses();
+  const auto& associations = cls.GetBody()->GetAssociationClasses();
+  return {associations.begin(), associations.end()};
 }
 
 TEST(TCIMClass, HangsBelowTheRootWithoutASuperclass) {
