@@ -130,7 +130,7 @@ std::vector<TCIMInstance*> TCIMInstanceImpl::References(const std::string& assoc
                                                         const std::string& role) const {
   std::vector<TCIMInstance*> associations;
   for (const TCIMClass* cls : fClass->References(assocClass, role)) {
-    for (TCIMInstance* association : cls->EnumerateInstances(false)) {
+    for (TCIMInstance* association : cls->GetBody()->FindReferrers(*this)) {
       if (LeadsTo(*association, role, fOwner)) associations.push_back(association);
     }
   }

@@ -9,6 +9,7 @@
 #include "cim/TCIMInstanceImpl.h"
 #include "cim/TCIMPropertyDeclImpl.h"
 #include "cim/TContainerImpl.h"
+#include "cim/TReferenceIndex.h"
 #include "zelcore/TCIMClass.h"
 #include "zelcore/TCIMReference.h"
 #include "zelcore/TContainer.h"
@@ -69,6 +70,8 @@ TCIMClassImpl::TCIMClassImpl(TCIMClass* owner, TContainer* container, const std:
   fTable = Body(*superClass).fTable;
   fQualifiers.InheritFrom(Body(*superClass).fQualifiers);
 }
+
+TCIMClassImpl::~TCIMClassImpl() = default;
 
 void TCIMClassImpl::Unlink() {
   fSubClasses.clear();
@@ -227,8 +230,7 @@ void TCIMClassImpl::AddInstance(TCIMInstance& instance) {
   TCIMInstanceImpl& body = *instance.GetBody();
   if (body.IsAdded()) return;
   std::string path = body.BuildPathText();
-  fInstances.Add(std::move(path), boost::shared_ptr<TCIMInstance>(&instance));
-  body.SetAdded();
+  body.SetAdded(fInstances.Add(std::move(path), boost::shared_ptr<TCIMInstance>(&instance)));
 }
 
 void TCIMClassImpl::RemoveInstance(TCIMInstance& instance) {
@@ -251,6 +253,11 @@ std::vector<TCIMInstance*> TCIMClassImpl::EnumerateInstances(bool deep) const {
     while (const TCIMClass* cls = walk.Next()) Body(*cls).fInstances.AppendTo(instances);
   }
   return instances;
+}
+
+std::vector<TCIMInstance*> TCIMClassImpl::FindReferrers(const TCIMInstanceImpl& target) const {
+  if (!fReferenceIndex) fReferenceIndex = std::make_unique<TReferenceIndex>();
+  return fReferenceIndex->Find(fInstances, target);
 }
 
 void TCIMClassImpl::AddChildClass(TCIMClass& child) { fSubClasses.push_back(&child); }

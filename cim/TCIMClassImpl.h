@@ -1,6 +1,7 @@
 #pragma once
 
 #include <boost/shared_ptr.hpp>
+#include <memory>
 #include <set>
 #include <string>
 #include <vector>
@@ -12,7 +13,9 @@
 #include "zelcore/detail/Export.h"
 
 class TCIMClass;
+class TCIMInstanceImpl;
 class TCIMReference;
+class TReferenceIndex;
 
 class ZEL_API TCIMClassImpl : public TCIMElementImpl {
  public:
@@ -24,6 +27,7 @@ class ZEL_API TCIMClassImpl : public TCIMElementImpl {
 
   TCIMClassImpl(TCIMClass* owner, TContainer* container, const std::string& name,
                 TCIMClass* superClass);
+  ~TCIMClassImpl() override;
   TCIMClassImpl(const TCIMClassImpl&) = delete;
   TCIMClassImpl& operator=(const TCIMClassImpl&) = delete;
 
@@ -62,6 +66,9 @@ class ZEL_API TCIMClassImpl : public TCIMElementImpl {
   TCIMInstance* GetInstance(const TCIMReference& path) const;
   TCIMInstance* FindInstance(const TCIMReference& path) const;
   std::vector<TCIMInstance*> EnumerateInstances(bool deep) const;
+  // Those of EnumerateInstances(false) that may refer to `target`, in that order: none that does is
+  // missing.
+  std::vector<TCIMInstance*> FindReferrers(const TCIMInstanceImpl& target) const;
 
   void AddChildClass(TCIMClass& child);
   void RemoveChildClass(TCIMClass& child);
@@ -94,5 +101,6 @@ class ZEL_API TCIMClassImpl : public TCIMElementImpl {
   TAssociationClasses fAssociationClasses;  // those that refer to this class
   std::vector<TCIMClass*> fAssociated;      // the classes whose set this association is in
   TInstanceRegistry fInstances;
+  mutable std::unique_ptr<TReferenceIndex> fReferenceIndex;  // of fInstances, once it was asked
   bool fAdded;
 };

@@ -18,22 +18,32 @@ using zelcore::detail::OrNotFound;
 using zelcore::detail::Text;
 
 static_assert(sizeof(TCIMProperty) % alignof(TCIMPropertyImpl) == 0);
+static_assert(sizeof(TReferenceWatch) % alignof(TCIMProperty) == 0);
 
 TCIMInstanceImpl::TPropertyBlock::TPropertyBlock(const TPropertyLayout& layout)
-    : fSize(layout.Size()) {
+    : fSize(static_cast<std::uint32_t>(layout.Size())), fHasWatch(layout.HasReferences()) {
   constexpr std::size_t kEach = sizeof(TCIMProperty) + sizeof(TCIMPropertyImpl);
-  fProperties = static_cast<TCIMProperty*>(::operator new(fSize* kEach));
+  const std::size_t front = fHasWatch ? sizeof(TReferenceWatch) : 0;
+  char* const memory = static_cast<char*>(::operator new(front + fSize * kEach));
+  fProperties = reinterpret_cast<TCIMProperty*>(memory + front);
+  if (fHasWatch) new (memory) TReferenceWatch();
   auto* bodies = reinterpret_cast<TCIMPropertyImpl*>(fProperties + fSize);
-  for (std::size_t slot = 0; slot < fSize; ++slot) {
+  for (std::uint32_t slot = 0; slot < fSize; ++slot) {
     TCIMProperty* property = fProperties + slot;
-    new (property)
-        TCIMProperty(new (bodies + slot) TCIMPropertyImpl(property, &layout.Decl(slot), true));
+    const std::uint32_t watched = fHasWatch ? slot : TCIMPropertyImpl::kUnwatched;
+    new (property) TCIMProperty(new (bodies + slot)
+                                    TCIMPropertyImpl(property, &layout.Decl(slot), true, watched));
   }
 }
 
 TCIMInstanceImpl::TPropertyBlock::~TPropertyBlock() {
   std::destroy_n(fProperties, fSize);
-  ::operator delete(fProperties);
+  if (TReferenceWatch* const watch = Watch()) {
+    watch->~TReferenceWatch();
+    ::operator delete(watch);
+  } else {
+    ::operator delete(fProperties);
+  }
 }
 
 TCIMInstanceImpl::TCIMInstanceImpl(TCIMInstance* owner, TCIMClass* cls)
@@ -41,7 +51,8 @@ TCIMInstanceImpl::TCIMInstanceImpl(TCIMInstance* owner, TCIMClass* cls)
       fClass(cls),
       fLayout(cls->GetBody()->Layout()),
       fProperties(*fLayout),
-      fAdded(false) {
+      fAdded(false),
+      fPathHash(0) {
   const std::size_t stamp = fLayout->StampSlot();
   if (stamp != TPropertyLayout::kNoSlot) {
     fProperties[stamp].SetValue(TCIMValue(TOSSpecific::GetLocalTime()));

@@ -2,12 +2,14 @@
 
 #include <boost/shared_ptr.hpp>
 #include <cstddef>
+#include <cstdint>
 #include <functional>
 #include <string>
 #include <vector>
 
 #include "cim/TCIMElementImpl.h"
 #include "cim/TPropertyLayout.h"
+#include "cim/TReferenceWatch.h"
 #include "zelcore/TCIMProperty.h"
 #include "zelcore/TCIMReference.h"
 #include "zelcore/detail/Export.h"
@@ -31,11 +33,22 @@ class ZEL_API TCIMInstanceImpl : public TCIMElementImpl {
   void AddToContainer(TCIMInstance& handle);
   // Whether a class has taken the instance.
   bool IsAdded() const { return fAdded; }
-  void SetAdded() { fAdded = true; }
+  void SetAdded(std::uint32_t pathHash) {
+    fAdded = true;
+    fPathHash = pathHash;
+  }
+  // Of the path that the instance is registered under.
+  std::uint32_t PathHash() const { return fPathHash; }
 
   TCIMProperty* GetProperty(const std::string& name) const;
   TCIMProperty* FindProperty(const std::string& name) const;
   std::vector<TCIMProperty const*> EnumerateProperties() const;
+
+  // The properties are in the order of its slots.
+  const boost::shared_ptr<const TPropertyLayout>& Layout() const { return fLayout; }
+  const TCIMProperty& PropertyAt(std::size_t slot) const { return fProperties[slot]; }
+  // Null unless the class declared a reference when the instance was made.
+  TReferenceWatch* Watch() const { return fProperties.Watch(); }
 
   TCIMReference BuildPath() const;
   // BuildPath().GetPath(), without making the path in between.
@@ -54,7 +67,8 @@ class ZEL_API TCIMInstanceImpl : public TCIMElementImpl {
   }
 
  private:
-  // One allocation: the properties in the order of the layout's slots, and their bodies behind.
+  // One allocation: the properties in the order of the layout's slots, and their bodies behind; in
+  // front the watch, if the layout has references.
   class TPropertyBlock {
    public:
     explicit TPropertyBlock(const TPropertyLayout& layout);
@@ -63,10 +77,14 @@ class ZEL_API TCIMInstanceImpl : public TCIMElementImpl {
     TPropertyBlock& operator=(const TPropertyBlock&) = delete;
 
     TCIMProperty& operator[](std::size_t slot) const { return fProperties[slot]; }
+    TReferenceWatch* Watch() const {
+      return fHasWatch ? TReferenceWatch::Before(fProperties) : nullptr;
+    }
 
    private:
     TCIMProperty* fProperties;
-    std::size_t fSize;
+    std::uint32_t fSize;
+    bool fHasWatch;
   };
 
   bool HasPlainPath(const TPropertyLayout& current) const;
@@ -76,4 +94,5 @@ class ZEL_API TCIMInstanceImpl : public TCIMElementImpl {
   boost::shared_ptr<const TPropertyLayout> fLayout;
   TPropertyBlock fProperties;
   bool fAdded;
+  std::uint32_t fPathHash;
 };

@@ -3,6 +3,7 @@
 #include <utility>
 
 #include "cim/TCIMPropertyDeclImpl.h"
+#include "cim/TReferenceWatch.h"
 #include "cim/TypeText.h"
 #include "zelcore/TCIMClass.h"
 #include "zelcore/detail/Fail.h"
@@ -12,7 +13,7 @@ using zelcore::detail::Text;
 using zelcore::detail::TypeText;
 
 // Documents hold millions of them.
-static_assert(sizeof(TCIMPropertyImpl) <= 64);
+static_assert(sizeof(TCIMPropertyImpl) <= 56);
 
 namespace {
 
@@ -26,8 +27,8 @@ std::string NameOf(const TCIMClass* cls) { return cls ? cls->GetName() : ""; }
 }  // namespace
 
 TCIMPropertyImpl::TCIMPropertyImpl(TCIMProperty* owner, const TCIMPropertyDecl* declaration,
-                                   bool inBlock)
-    : fOwner(owner), fDeclaration(declaration), fInBlock(inBlock) {}
+                                   bool inBlock, std::uint32_t watchedSlot)
+    : fOwner(owner), fDeclaration(declaration), fInBlock(inBlock), fWatchedSlot(watchedSlot) {}
 
 TCIMPropertyImpl::TCIMPropertyImpl(TCIMProperty* owner, const TCIMPropertyImpl& other)
     : TCIMPropertyImpl(owner, other.fDeclaration) {
@@ -49,6 +50,7 @@ void TCIMPropertyImpl::Take(TCIMPropertyImpl&& other) {
   fPrevValue = std::move(other.fPrevValue);
   fHasValue = other.fHasValue;
   fPrevDiffers = other.fPrevDiffers;
+  ReportChange();
 }
 
 const TCIMValue& TCIMPropertyImpl::Value() const {
@@ -69,6 +71,11 @@ void TCIMPropertyImpl::ReplaceValue(TCIMValue&& value) {
   TCIMValue taken(std::move(value));
   fValue.Swap(taken);
   fHasValue = true;
+  if (fValue.IsReference()) ReportChange();
+}
+
+void TCIMPropertyImpl::ReportChange() {
+  if (fWatchedSlot != kUnwatched) TReferenceWatch::Before(fOwner - fWatchedSlot)->Report();
 }
 
 const TCIMValue& TCIMPropertyImpl::PrevValue() const {

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <cstdint>
 #include <memory>
 #include <string>
 #include <vector>
@@ -10,7 +11,10 @@
 
 class ZEL_API TCIMPropertyImpl {
  public:
-  TCIMPropertyImpl(TCIMProperty* owner, const TCIMPropertyDecl* declaration, bool inBlock = false);
+  static constexpr std::uint32_t kUnwatched = 0xFFFFFFFF;
+
+  TCIMPropertyImpl(TCIMProperty* owner, const TCIMPropertyDecl* declaration, bool inBlock = false,
+                   std::uint32_t watchedSlot = kUnwatched);
   // Checks the values of `other` against the declaration again.
   TCIMPropertyImpl(TCIMProperty* owner, const TCIMPropertyImpl& other);
   TCIMPropertyImpl(const TCIMPropertyImpl&) = delete;
@@ -70,6 +74,7 @@ class ZEL_API TCIMPropertyImpl {
 
   void Check(const char* operation, const TCIMValue& value) const;
   void ReplaceValue(TCIMValue&& value);
+  void ReportChange();
 
   TCIMProperty* fOwner;
   const TCIMPropertyDecl* fDeclaration;  // kept alive by its class
@@ -77,5 +82,6 @@ class ZEL_API TCIMPropertyImpl {
   std::unique_ptr<TCIMValue> fPrevValue;
   bool fHasValue = false;  // whether fValue counts
   bool fPrevDiffers = false;
-  const bool fInBlock;  // part of an instance's block of properties, which frees it
+  const bool fInBlock;               // part of an instance's block of properties, which frees it
+  const std::uint32_t fWatchedSlot;  // in a block with a TReferenceWatch; or kUnwatched
 };

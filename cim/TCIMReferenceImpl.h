@@ -27,11 +27,14 @@ class ZEL_API TCIMReferenceImpl {
   void AddKeyValue(const std::string& name, const TCIMValue& value);
   void AddKeyValue(const std::string& name, TCIMValue&& value);
   const std::map<std::string, TCIMValue>& EnumerateKeyBindings() const { return fBindings; }
+  bool HasKeyBindings() const { return !fBindings.empty(); }
   std::string GetPath() const;
   // `path` is the handle.
   ICIMElement* GetCIMElement(const TCIMReference& path) const;
   // The instance that GetCIMElement() would return, or null; nothing is remembered.
   TCIMInstance* FindInstance(const TCIMReference& path) const;
+  // What GetCIMElement() has found, or null.
+  const TCIMInstance* Remembered() const { return fElement; }
 
   bool operator==(const TCIMReferenceImpl& other) const;
   bool operator<(const TCIMReferenceImpl& other) const;

@@ -4,7 +4,8 @@
 #include <functional>
 #include <utility>
 
-void TInstanceRegistry::Add(std::string path, const boost::shared_ptr<TCIMInstance>& instance) {
+std::uint32_t TInstanceRegistry::Add(std::string path,
+                                     const boost::shared_ptr<TCIMInstance>& instance) {
   if (4 * (fPaths + 1) > 3 * fPlaces.size()) {
     Rehash(std::max<std::size_t>(8, 2 * fPlaces.size()));
   }
@@ -22,6 +23,7 @@ void TInstanceRegistry::Add(std::string path, const boost::shared_ptr<TCIMInstan
   }
   ++fSize;
   fOrder.clear();
+  return hash;
 }
 
 TCIMInstance* TInstanceRegistry::Find(const std::string& path) const {
@@ -51,12 +53,25 @@ void TInstanceRegistry::AppendTo(std::vector<TCIMInstance*>& instances) const {
     for (std::uint32_t entry = 0; entry < fEntries.size(); ++entry) {
       if (fEntries[entry].instance) fOrder.push_back(entry);
     }
-    std::stable_sort(fOrder.begin(), fOrder.end(), [this](std::uint32_t a, std::uint32_t b) {
-      return fEntries[a].path < fEntries[b].path;
-    });
+    SortByPath(fOrder);
   }
   instances.reserve(instances.size() + fOrder.size());
   for (const std::uint32_t entry : fOrder) instances.push_back(fEntries[entry].instance.get());
+}
+
+void TInstanceRegistry::AppendTo(std::vector<TCIMInstance*>& instances,
+                                 std::vector<std::uint32_t> entries) const {
+  SortByPath(entries);
+  for (const std::uint32_t entry : entries) {
+    if (fEntries[entry].instance) instances.push_back(fEntries[entry].instance.get());
+  }
+}
+
+// `entries` are in the order of arrival, which those of one path keep.
+void TInstanceRegistry::SortByPath(std::vector<std::uint32_t>& entries) const {
+  std::stable_sort(entries.begin(), entries.end(), [this](std::uint32_t a, std::uint32_t b) {
+    return fEntries[a].path < fEntries[b].path;
+  });
 }
 
 std::uint32_t TInstanceRegistry::Hash(const std::string& path) {
@@ -107,6 +122,7 @@ void TInstanceRegistry::Compact() {
   std::vector<TEntry> old = std::exchange(fEntries, std::vector<TEntry>());
   fPlaces.clear();
   fPaths = fSize = 0;
+  ++fCompactions;
   for (TEntry& entry : old) {
     if (entry.instance) Add(std::move(entry.path), entry.instance);
   }

@@ -13,7 +13,10 @@
 // of the paths is worked out when it is asked for.
 class TInstanceRegistry {
  public:
-  void Add(std::string path, const boost::shared_ptr<TCIMInstance>& instance);
+  static std::uint32_t Hash(const std::string& path);
+
+  // Returns the hash of the path.
+  std::uint32_t Add(std::string path, const boost::shared_ptr<TCIMInstance>& instance);
   // The first of that path, or null.
   TCIMInstance* Find(const std::string& path) const;
   // Destroys all of that path.
@@ -21,6 +24,14 @@ class TInstanceRegistry {
   // By path; those of one path in the order of their arrival.
   void AppendTo(std::vector<TCIMInstance*>& instances) const;
   std::size_t Size() const { return fSize; }
+
+  // Every instance has a number, by the order of arrival, until Compactions() has changed.
+  std::uint32_t Entries() const { return static_cast<std::uint32_t>(fEntries.size()); }
+  std::uint32_t Compactions() const { return fCompactions; }
+  // Null when it was removed.
+  TCIMInstance* At(std::uint32_t entry) const { return fEntries[entry].instance.get(); }
+  // The same for those in `entries` alone, as far as they are still there; ascending.
+  void AppendTo(std::vector<TCIMInstance*>& instances, std::vector<std::uint32_t> entries) const;
 
  private:
   static constexpr std::uint32_t kNone = 0xFFFFFFFF;
@@ -39,15 +50,16 @@ class TInstanceRegistry {
     std::uint32_t hash = 0;
   };
 
-  static std::uint32_t Hash(const std::string& path);
   std::size_t PlaceOf(const std::string& path, std::uint32_t hash) const;
   void Rehash(std::size_t places);
   void ForgetPlace(std::size_t place);
   void Compact();
+  void SortByPath(std::vector<std::uint32_t>& entries) const;
 
   std::vector<TEntry> fEntries;  // in the order of arrival
   std::vector<TPlace> fPlaces;   // open addressing
   std::size_t fPaths = 0;
   std::size_t fSize = 0;
+  std::uint32_t fCompactions = 0;
   mutable std::vector<std::uint32_t> fOrder;  // entries by path; empty: to be worked out
 };

@@ -22,6 +22,9 @@ TPropertyLayout::TPropertyLayout(const TPropertyDecls& decls) : fChanges(TSchema
 
   BuildIndex();
   fStampSlot = Find("DateTimeOfCollection");
+  fHasReferences = std::any_of(fSlots.begin(), fSlots.end(), [](const TSlot& slot) {
+    return slot.decl->GetType() == TCIMValue::TCIMType::TypeReference;
+  });
 }
 
 void TPropertyLayout::BuildIndex() {

@@ -32,6 +32,9 @@ class TPropertyLayout {
   // Without regard to case; `name` need not be valid.
   std::size_t Find(std::string_view name) const;
 
+  // Whether a property is declared a reference.
+  bool HasReferences() const { return fHasReferences; }
+
   // The slot of DateTimeOfCollection, or kNoSlot.
   std::size_t StampSlot() const { return fStampSlot; }
 
@@ -54,6 +57,7 @@ class TPropertyLayout {
   // Open addressing: slot plus 1, or 0. Empty when names crowd, as a hostile document can arrange.
   std::vector<std::uint32_t> fIndex;
   std::size_t fStampSlot;
+  bool fHasReferences;
   std::uint64_t fChanges;
   mutable bool fKeysFound = false;
   mutable std::vector<std::size_t> fKeySlots;
