@@ -68,10 +68,10 @@ void TCIMPropertyImpl::SetValue(TCIMValue&& value) {
 }
 
 void TCIMPropertyImpl::ReplaceValue(TCIMValue&& value) {
+  if (value.IsReference()) ReportChange();
   TCIMValue taken(std::move(value));
   fValue.Swap(taken);
   fHasValue = true;
-  if (fValue.IsReference()) ReportChange();
 }
 
 void TCIMPropertyImpl::ReportChange() {
