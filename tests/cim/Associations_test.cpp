@@ -273,6 +273,40 @@ TEST_F(AssociationsTest, FollowAChangedDefault) {
   EXPECT_EQ(TInstances{}, room.References("", ""));
 }
 
+TEST_F(AssociationsTest, FollowAnAssignedPropertyThatBringsItsDeclaration) {
+  TCIMInstance& fan = fSchema.AddInstance(fFan, "f");
+  std::unique_ptr<TCIMClass> cls = fSchema.Class("T_Other");
+  fSchema.Qualify(*cls, "ASSOCIATION");
+  fSchema.AddProperty(*cls, "Name", Schema::NullString(), {"KEY"});
+  const TCIMPropertyDecl& decl =
+      fSchema.AddProperty(*cls, "Antecedent", TCIMValue(Path(fFan, "f")));
+  HandOver(std::move(cls));
+  TCIMInstance& cools = AddLink(fCools, Path(fFan, "g"), Path(fDisk, "d"));
+  EXPECT_EQ(TInstances{}, fan.References("", ""));
+  cools.SetProperty(TCIMProperty(decl));  // without a value: the default shows
+  EXPECT_EQ(TInstances{&cools}, fan.References("", ""));
+}
+
+TEST_F(AssociationsTest, MayBeInstancesOfAClassWithoutReferences) {
+  TCIMInstance& f = fSchema.AddInstance(fFan, "f");
+  TCIMInstance& g = fSchema.AddInstance(fFan, "g");
+  std::unique_ptr<TCIMClass> cls = fSchema.Class("T_Note");
+  fSchema.AddProperty(*cls, "Name", Schema::NullString(), {"KEY"});
+  fSchema.AddProperty(*cls, "Text", Schema::NullString());
+  std::unique_ptr<TCIMInstance> note = fSchema.Instance(HandOver(std::move(cls)));
+  note->SetPropertyValue("Name", TCIMValue("n"));
+  fCools.AddInstance(*note);
+  TCIMProperty& text = *note->GetProperty("Text");
+  TCIMInstance* const taken = note.release();
+  EXPECT_EQ(TInstances{}, f.References("", ""));
+  const TCIMPropertyDecl& decl = *fCools.GetPropertyDecl("Antecedent");
+  text = TCIMProperty(decl, TCIMValue(Path(fFan, "f")));
+  EXPECT_EQ(TInstances{taken}, f.References("", ""));
+  text.SetValue(TCIMValue(Path(fFan, "g")));
+  EXPECT_EQ(TInstances{}, f.References("", ""));
+  EXPECT_EQ(TInstances{taken}, g.References("", ""));
+}
+
 TEST_F(AssociationsTest, AreLookedUpByThePathThatTheInstanceIsRegisteredUnder) {
   TCIMInstance& fan = fSchema.AddInstance(fFan, "f");
   TCIMInstance& cools = AddLink(fCools, Path(fFan, "f"), Path(fDisk, "d"));
