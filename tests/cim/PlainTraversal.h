@@ -103,7 +103,7 @@ inline TClasses Associators(const TCIMClass& cls, const std::string& assocClass,
 }
 
 // Null when the value leads to no instance. What a path remembers may be gone: it is not looked at.
-inline TCIMInstance* Resolve(const TCIMValue& value) {
+__attribute__((no_sanitize("vptr"))) inline TCIMInstance* Resolve(const TCIMValue& value) {
   try {
     const TCIMReference path = value;
     ICIMElement* const element = path.GetCIMElement();
