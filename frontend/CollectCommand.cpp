@@ -1,37 +1,67 @@
 #include <fmt/format.h>
 
 #include "frontend/Commands.h"
+#include "frontend/Inventory.h"
 #include "frontend/Listing.h"
+#include "frontend/Options.h"
 #include "frontend/Summary.h"
 #include "frontend/ValueText.h"
 
 namespace zel {
 namespace {
 
-void ReportFailures(const TCollection& collection, std::ostream& err) {
-  for (const TPluginOutcome& outcome : collection.GetOutcomes()) {
-    if (!outcome.Failed()) continue;
+enum class TFormat { kText, kJson };
+
+const std::map<std::string, TFormat> kFormats = {
+    {"text", TFormat::kText},
+    {"json", TFormat::kJson}
+};
+
+void ReportFailures(const TInventory& inventory, std::ostream& err) {
+  for (const TCIMInstance* status : inventory.GetStatuses()) {
+    const std::string reason = TextOf(*status, "Message");
+    if (reason.empty()) continue;
     err << fmt::format("zel: plug-in {} failed: {}; 'zel plugins' tells its state\n",
-                       Printable(outcome.Name()), Printable(outcome.Reason()));
+                       Printable(TextOf(*status, "PluginName")), Printable(reason));
   }
 }
 
+class TCollectCommand : public TCommand {
+ public:
+  explicit TCollectCommand(CLI::App& options) {
+    AddCollectionOptions(options, fOptions);
+    options
+        .add_option("--class", fNames,
+                    "Print every instance of these classes, of their subclasses, or of sections")
+        ->type_name("NAME");
+    AddChoice(options, "--format", fFormat, kFormats, "How to print");
+  }
+
+  TExitCode Run(TStreams& streams) override {
+    const TInventory inventory = TInventory::Collect(fOptions, fNames);
+    const std::vector<TCIMClass*> classes =
+        fNames.empty() ? inventory.AllClasses() : inventory.Resolve(fNames);
+    if (fFormat == TFormat::kJson) {
+      PrintJson(inventory, classes, streams.out);
+    } else if (fNames.empty()) {
+      PrintSummary(inventory, streams.out);
+    } else {
+      PrintList(classes, streams.out);
+    }
+    ReportFailures(inventory, streams.err);
+    return inventory.IsPartial() ? kExitPartial : kExitDone;
+  }
+
+ private:
+  TCollectionOptions fOptions;
+  std::vector<std::string> fNames;  // empty: all, and the summary as text
+  TFormat fFormat = TFormat::kText;
+};
+
 }  // namespace
 
-TExitCode Run(const TCollectCommand& command, std::ostream& out, std::ostream& err) {
-  TCollection collection(command.options);
-  const std::vector<TCIMClass*> classes =
-      command.classes.empty() ? collection.AllClasses() : collection.Resolve(command.classes);
-  collection.Collect(classes);
-  if (command.format == TFormat::kJson) {
-    PrintJson(collection, classes, out);
-  } else if (command.classes.empty()) {
-    PrintSummary(collection, out);
-  } else {
-    PrintList(classes, out);
-  }
-  ReportFailures(collection, err);
-  return collection.IsPartial() ? kExitPartial : kExitDone;
+std::unique_ptr<TCommand> MakeCollectCommand(CLI::App& options) {
+  return std::make_unique<TCollectCommand>(options);
 }
 
 }  // namespace zel

@@ -12,37 +12,14 @@
 
 #include "frontend/ExitCode.h"
 #include "frontend/Locations.h"
+#include "frontend/Log.h"
+#include "frontend/RunRecord.h"
 #include "zelcore/zelcore.h"
 
 namespace zel {
 namespace {
 
-// The text of the first error that the library logged since the log was cleared.
-std::string FirstError() {
-  for (const ILogger::TLogEntry& entry : TLogger::GetInstance()->GetLog()) {
-    if (entry.severity <= zelLogError) return entry.message;
-  }
-  return "";
-}
-
-void StartLogger(const TCollectionOptions& options) {
-  if (!TLogger::GetInstance()) TLogger::Initialize();
-  TLogger::GetInstance()->SetLogThreshold(options.logLevel);
-  if (options.logFile.empty()) return;
-  try {
-    TLogger::GetInstance()->SetLogFilename(options.logFile);
-  } catch (const TZELException&) {
-    throw TCommandError(kExitNotWritten,
-                        fmt::format("cannot write the log file '{}': {}; name another with --log",
-                                    options.logFile, strerror(errno)));
-  }
-}
-
-void AddConcrete(TCIMClass* cls, std::vector<TCIMClass*>& classes) {
-  if (!cls->IsAbstract() && std::find(classes.begin(), classes.end(), cls) == classes.end()) {
-    classes.push_back(cls);
-  }
-}
+using TSteady = std::chrono::steady_clock;
 
 void Stamp(TCIMClass& cls, const char* qualifier, const std::string& value) {
   const TCIMQualifierDecl* decl = cls.GetContainer()->FindQualifierDecl(qualifier);
@@ -55,8 +32,8 @@ void Stamp(TCIMClass& cls, const char* qualifier, const std::string& value) {
 }  // namespace
 
 TCollection::TCollection(const TCollectionOptions& options)
-    : fOptions(options), fStart(std::chrono::steady_clock::now()) {
-  StartLogger(options);
+    : fOptions(options), fStart(std::chrono::system_clock::now()), fSteadyStart(TSteady::now()) {
+  StartLog(options.logFile, options.logLevel);
   const TLocations defaults = DefaultLocations();
   fBaseSchema = options.baseSchema.empty() ? defaults.baseSchema : options.baseSchema;
   FindPlugins(options.pluginDirectory.empty() ? defaults.pluginDirectory : options.pluginDirectory);
@@ -106,7 +83,7 @@ void TCollection::ReadDocuments() {
   try {
     fSchema->PopulateContainerFromFile(fBaseSchema);
   } catch (const std::exception& error) {
-    const std::string why = FirstError();
+    const std::string why = FirstLoggedError();
     refuseBase(why.empty() ? error.what() : why);
   }
   std::set<std::string> read;
@@ -120,6 +97,9 @@ void TCollection::ReadDocuments() {
       plugin.document.clear();  // the plug-in's own process meets the same fault and reports it
     }
   }
+  for (const char* name : {kRunClass, kStatusClass}) {
+    if (!fSchema->FindClass(name)) refuseBase(fmt::format("it does not declare {}", name));
+  }
   log.ClearLog();
 }
 
@@ -132,34 +112,6 @@ void TCollection::PutSystemFirst() {
   if (system != fPlugins.end()) std::rotate(fPlugins.begin(), system, system + 1);
 }
 
-std::vector<TCIMClass*> TCollection::Resolve(const std::vector<std::string>& names) const {
-  std::vector<TCIMClass*> classes;
-  for (const std::string& name : names) {
-    TCIMClass* cls = nullptr;
-    try {
-      cls = name.empty() ? nullptr : fSchema->FindClass(name);
-    } catch (const TZELException&) {
-      // A text that cannot be a class name names no class.
-    }
-    if (!cls) {
-      throw TCommandError(
-          kExitUsage,
-          fmt::format("no class '{}'; 'zel plugins' lists the classes there are", name));
-    }
-    AddConcrete(cls, classes);
-    for (TCIMClass* sub : cls->EnumerateSubClasses(true)) AddConcrete(sub, classes);
-  }
-  return classes;
-}
-
-std::vector<TCIMClass*> TCollection::AllClasses() const {
-  std::vector<TCIMClass*> classes;
-  for (const TFoundPlugin& plugin : fPlugins) {
-    for (TCIMClass* cls : plugin.classes) AddConcrete(cls, classes);
-  }
-  return classes;
-}
-
 void TCollection::Collect(const std::vector<TCIMClass*>& classes) {
   for (const TFoundPlugin& plugin : fPlugins) {
     std::vector<std::string> names;
@@ -170,18 +122,24 @@ void TCollection::Collect(const std::vector<TCIMClass*>& classes) {
     }
     // A plug-in without a document that could be read is run to learn what is wrong with it.
     if (names.empty() && !plugin.document.empty()) continue;
-    Keep(plugin, RunInChild(plugin.display, fOptions.deadline,
-                            [&](TPluginOutcome& outcome) { Work(plugin, names, outcome); }));
+    Ask(plugin, names);
   }
-  fDuration = std::chrono::duration_cast<std::chrono::microseconds>(
-      std::chrono::steady_clock::now() - fStart);
+  RecordRun(*fSchema, fOutcomes, fStart,
+            std::chrono::duration_cast<std::chrono::microseconds>(TSteady::now() - fSteadyStart));
 }
 
 void TCollection::Probe() {
-  for (const TFoundPlugin& plugin : fPlugins) {
-    Keep(plugin, RunInChild(plugin.display, fOptions.deadline,
-                            [&](TPluginOutcome& outcome) { Work(plugin, {}, outcome); }));
-  }
+  for (const TFoundPlugin& plugin : fPlugins) Ask(plugin, {});
+}
+
+void TCollection::Ask(const TFoundPlugin& plugin, const std::vector<std::string>& classNames) {
+  const TSteady::time_point start = TSteady::now();
+  TPluginOutcome outcome =
+      RunInChild(plugin.display, fOptions.deadline,
+                 [&](TPluginOutcome& answer) { Work(plugin, classNames, answer); });
+  outcome.classes = classNames;
+  outcome.duration = std::chrono::duration_cast<std::chrono::microseconds>(TSteady::now() - start);
+  Keep(plugin, std::move(outcome));
 }
 
 // In the child: loads the plug-in into a manager of its own, which knows the other documents and
@@ -204,7 +162,7 @@ void TCollection::Work(const TFoundPlugin& plugin, const std::vector<std::string
   try {
     manager.LoadPlugin(plugin.path);
   } catch (const TZELException& error) {
-    if (FirstError().empty()) outcome.fault = fmt::format("its document: {}", error.what());
+    if (FirstLoggedError().empty()) outcome.fault = fmt::format("its document: {}", error.what());
   }
   if (!classNames.empty()) TQueryManager::GetInstance()->RunQuery(&schema, classNames);
 
@@ -248,6 +206,9 @@ void TCollection::Keep(const TFoundPlugin& plugin, TPluginOutcome outcome) {
     try {
       ReadInstances(*fSchema, outcome.instances);
       if (&plugin == &fPlugins.front()) fSystem = outcome.instances;
+      for (const TCIMClass* cls : plugin.classes) {
+        outcome.instanceCount += cls->EnumerateInstances(false).size();
+      }
     } catch (const std::exception& error) {
       outcome.fault = fmt::format("its instances cannot be read back: {}", error.what());
     }

@@ -44,15 +44,9 @@ class TCollection {
   TContainer& GetContainer() const { return *fSchema; }
   const std::vector<TFoundPlugin>& GetPlugins() const { return fPlugins; }
   const std::vector<TPluginOutcome>& GetOutcomes() const { return fOutcomes; }
-  std::chrono::microseconds GetDuration() const { return fDuration; }
 
-  // The concrete classes that `names` stand for, superclasses expanded, in the order given. Throws
-  // TCommandError for a name that no class has.
-  std::vector<TCIMClass*> Resolve(const std::vector<std::string>& names) const;
-  // All concrete classes of the plug-ins, in their order.
-  std::vector<TCIMClass*> AllClasses() const;
-
-  // Collects `classes` from the plug-ins that declare them, and the system with them.
+  // Collects `classes` from the plug-ins that declare them, and the system with them, and puts the
+  // run and the outcomes into the container.
   void Collect(const std::vector<TCIMClass*>& classes);
 
   // Only loads each plug-in, to see what it says of itself.
@@ -65,6 +59,7 @@ class TCollection {
   void FindPlugins(const std::string& directory);
   void ReadDocuments();
   void PutSystemFirst();
+  void Ask(const TFoundPlugin& plugin, const std::vector<std::string>& classNames);
   void Work(const TFoundPlugin& plugin, const std::vector<std::string>& classNames,
             TPluginOutcome& outcome);
   void Keep(const TFoundPlugin& plugin, TPluginOutcome outcome);
@@ -78,8 +73,8 @@ class TCollection {
   std::vector<TFoundPlugin> fPlugins;
   std::vector<TPluginOutcome> fOutcomes;
   std::string fSystem;  // the instances that the first plug-in collected
-  std::chrono::steady_clock::time_point fStart;
-  std::chrono::microseconds fDuration{0};
+  std::chrono::system_clock::time_point fStart;
+  std::chrono::steady_clock::time_point fSteadyStart;
 };
 
 }  // namespace zel

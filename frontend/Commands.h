@@ -1,31 +1,29 @@
 #pragma once
 
-#include <ostream>
-#include <string>
-#include <vector>
+#include <memory>
 
-#include "frontend/Collection.h"
 #include "frontend/ExitCode.h"
+#include "frontend/Streams.h"
+
+namespace CLI {
+class App;
+}
 
 namespace zel {
 
-// How the result of a collection is shown.
-enum class TFormat { kText, kJson };
+// A command of `zel`. It is made with the part of the command line that is its own, and puts its
+// options there; when it runs they are filled in.
+class TCommand {
+ public:
+  virtual ~TCommand() = default;
 
-struct TCollectCommand {
-  TCollectionOptions options;
-  std::vector<std::string> classes;  // empty: all, and the summary as text
-  TFormat format = TFormat::kText;
+  // Throws TCommandError.
+  virtual TExitCode Run(TStreams& streams) = 0;
 };
 
-struct TPluginsCommand {
-  TCollectionOptions options;
-};
-
-// Collects this machine and prints the result.
-TExitCode Run(const TCollectCommand& command, std::ostream& out, std::ostream& err);
-
-// Lists the plug-ins, and why those that do not load do not.
-TExitCode Run(const TPluginsCommand& command, std::ostream& out, std::ostream& err);
+// Each in the source that is named like it; what they do and how they are used stands in the table
+// in Main.cpp.
+std::unique_ptr<TCommand> MakeCollectCommand(CLI::App& options);
+std::unique_ptr<TCommand> MakePluginsCommand(CLI::App& options);
 
 }  // namespace zel

@@ -8,10 +8,12 @@ namespace zel {
 // What the command's exit code tells; documented in the help.
 enum TExitCode : int {
   kExitDone = 0,
+  kExitDifferent = 1,  // or nothing found
   kExitUsage = 2,
   kExitPartial = 3,
   kExitBadInput = 4,
   kExitNoPlugins = 5,
+  kExitNotSent = 6,
   kExitNotWritten = 7,
 };
 

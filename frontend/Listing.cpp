@@ -5,7 +5,7 @@
 #include <algorithm>
 #include <nlohmann/json.hpp>
 
-#include "frontend/Collection.h"
+#include "frontend/Inventory.h"
 #include "frontend/ValueText.h"
 #include "zelcore/zelcore.h"
 
@@ -38,13 +38,15 @@ ordered_json InstanceJson(const TCIMInstance& instance) {
   };
 }
 
-ordered_json PluginJson(const TPluginOutcome& outcome) {
+ordered_json PluginJson(const TCIMInstance& status) {
   ordered_json plugin = {
-      {"name", outcome.Name()},
-      {"path", outcome.path  }
+      {"name", TextOf(status, "PluginName")},
+      {"path", TextOf(status, "Path")      }
   };
-  if (!outcome.records.empty()) plugin["version"] = outcome.records.front().version;
-  if (outcome.Failed()) plugin["error"] = outcome.Reason();
+  const std::string version = TextOf(status, "PluginVersion");
+  const std::string error = TextOf(status, "Message");
+  if (!version.empty()) plugin["version"] = version;
+  if (!error.empty()) plugin["error"] = error;
   return plugin;
 }
 
@@ -58,17 +60,17 @@ void PrintList(const std::vector<TCIMClass*>& classes, std::ostream& out) {
   }
 }
 
-void PrintJson(const TCollection& collection, const std::vector<TCIMClass*>& classes,
+void PrintJson(const TInventory& inventory, const std::vector<TCIMClass*>& classes,
                std::ostream& out) {
   ordered_json document = {
       {"format",  "zel-collection"},
       {"version", 1               },
       {"zel",     ZEL_VERSION     }
   };
-  document["partial"] = collection.IsPartial();
+  document["partial"] = inventory.IsPartial();
   document["plugins"] = ordered_json::array();
-  for (const TPluginOutcome& outcome : collection.GetOutcomes()) {
-    document["plugins"].push_back(PluginJson(outcome));
+  for (const TCIMInstance* status : inventory.GetStatuses()) {
+    document["plugins"].push_back(PluginJson(*status));
   }
   document["classes"] = ordered_json::object();
   for (const TCIMClass* cls : classes) {

@@ -7,13 +7,13 @@ class TCIMClass;
 
 namespace zel {
 
-class TCollection;
+class TInventory;
 
 // All instances of `classes` with all their properties, for people.
 void PrintList(const std::vector<TCIMClass*>& classes, std::ostream& out);
 
 // The same as one JSON document.
-void PrintJson(const TCollection& collection, const std::vector<TCIMClass*>& classes,
+void PrintJson(const TInventory& inventory, const std::vector<TCIMClass*>& classes,
                std::ostream& out);
 
 }  // namespace zel

@@ -1,10 +1,10 @@
 #pragma once
 
-#include <ostream>
+#include "frontend/Streams.h"
 
 namespace zel {
 
-// The whole command: data goes to `out`, everything else to `err`. Returns the exit code.
-int Main(int argc, const char* const* argv, std::ostream& out, std::ostream& err);
+// The whole command. Returns the exit code.
+int Main(int argc, const char* const* argv, TStreams streams);
 
 }  // namespace zel

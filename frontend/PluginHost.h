@@ -31,7 +31,10 @@ struct TPluginOutcome {
   std::vector<TPluginRecord> records;
   std::vector<TLogLine> log;
   std::string instances;  // the document of what it collected
-  std::string fault;      // why its process did not come back by itself; empty when it did
+  std::size_t instanceCount = 0;
+  std::vector<std::string> classes;  // what it was asked for
+  std::chrono::microseconds duration{0};
+  std::string fault;  // why its process did not come back by itself; empty when it did
 
   bool Failed() const { return !Reason().empty(); }
   // Why it failed, in one line; empty when it did not.

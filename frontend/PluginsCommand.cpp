@@ -3,6 +3,7 @@
 #include <algorithm>
 
 #include "frontend/Commands.h"
+#include "frontend/Options.h"
 #include "frontend/ValueText.h"
 #include "zelcore/TCIMClass.h"
 
@@ -18,12 +19,22 @@ std::string State(const TPluginOutcome& outcome) {
   return outcome.Failed() ? "failed" : "ready";
 }
 
-}  // namespace
+class TPluginsCommand : public TCommand {
+ public:
+  explicit TPluginsCommand(CLI::App& options) { AddCollectionOptions(options, fOptions); }
 
-TExitCode Run(const TPluginsCommand& command, std::ostream& out, std::ostream&) {
-  TCollection collection(command.options);
-  collection.Probe();
-  for (const TPluginOutcome& outcome : collection.GetOutcomes()) {
+  TExitCode Run(TStreams& streams) override {
+    TCollection collection(fOptions);
+    collection.Probe();
+    for (const TPluginOutcome& outcome : collection.GetOutcomes()) {
+      Print(outcome, collection.GetPlugins(), streams.out);
+    }
+    return collection.IsPartial() ? kExitPartial : kExitDone;
+  }
+
+ private:
+  static void Print(const TPluginOutcome& outcome, const std::vector<TFoundPlugin>& plugins,
+                    std::ostream& out) {
     const bool loaded = !outcome.records.empty();
     out << Printable(
                fmt::format("{} {}", outcome.Name(), loaded ? outcome.records.front().version : "-"))
@@ -31,7 +42,6 @@ TExitCode Run(const TPluginsCommand& command, std::ostream& out, std::ostream&) 
         << "  state    " << State(outcome) << "\n"
         << "  path     " << Printable(outcome.path) << "\n";
     if (outcome.Failed()) out << "  reason   " << Printable(outcome.Reason()) << "\n";
-    const auto& plugins = collection.GetPlugins();
     const auto found = std::find_if(plugins.begin(), plugins.end(), [&](const TFoundPlugin& p) {
       return p.display == outcome.path;
     });
@@ -42,7 +52,14 @@ TExitCode Run(const TPluginsCommand& command, std::ostream& out, std::ostream&) 
     }
     out << "\n";
   }
-  return collection.IsPartial() ? kExitPartial : kExitDone;
+
+  TCollectionOptions fOptions;
+};
+
+}  // namespace
+
+std::unique_ptr<TCommand> MakePluginsCommand(CLI::App& options) {
+  return std::make_unique<TPluginsCommand>(options);
 }
 
 }  // namespace zel

@@ -9,7 +9,7 @@
 #include <utility>
 #include <vector>
 
-#include "frontend/Collection.h"
+#include "frontend/Inventory.h"
 #include "frontend/ValueText.h"
 #include "zelcore/zelcore.h"
 
@@ -65,8 +65,8 @@ std::string Moment(const TCIMProperty& property) {
 
 class TSummary {
  public:
-  TSummary(const TCollection& collection, std::ostream& out)
-      : fCollection(collection), fContainer(collection.GetContainer()), fOut(out) {}
+  TSummary(const TInventory& inventory, std::ostream& out)
+      : fInventory(inventory), fContainer(inventory.GetContainer()), fOut(out) {}
 
   void Print() {
     System();
@@ -189,30 +189,36 @@ class TSummary {
       fOut << fmt::format("Collected by {} {}\n", Fact(*product, "Name", PropertyText),
                           Fact(*product, "Version", PropertyText));
     }
-    std::size_t loaded = 0;
-    for (const TPluginOutcome& outcome : fCollection.GetOutcomes()) loaded += !outcome.Failed();
+    const TCIMInstance* run = fInventory.GetRun();
+    if (!run) return;
+    std::size_t answered = 0;
     std::size_t classes = 0;
     std::size_t instances = 0;
-    for (const TCIMClass* cls : fCollection.AllClasses()) {
-      const std::size_t count = cls->EnumerateInstances(false).size();
-      classes += count != 0;
-      instances += count;
+    for (const TCIMInstance* status : fInventory.GetStatuses()) {
+      answered += TextOf(*status, "Message").empty();
     }
-    fOut << fmt::format("\n{}, {}, {} in {:.0f} ms\n", Counted(loaded, "plug-in"),
+    for (const TSection& section : fInventory.GetSections()) {
+      if (section.name == kCollectionSection) continue;
+      for (const TCIMClass* cls : section.classes) {
+        const std::size_t count = cls->EnumerateInstances(false).size();
+        classes += count != 0;
+        instances += count;
+      }
+    }
+    fOut << fmt::format("\n{}, {}, {} in {} ms\n", Counted(answered, "plug-in"),
                         classes == 1 ? "1 class" : fmt::format("{} classes", classes),
-                        Counted(instances, "instance"),
-                        static_cast<double>(fCollection.GetDuration().count()) / 1000);
+                        Counted(instances, "instance"), TextOf(*run, "Duration"));
   }
 
-  const TCollection& fCollection;
+  const TInventory& fInventory;
   const TContainer& fContainer;
   std::ostream& fOut;
 };
 
 }  // namespace
 
-void PrintSummary(const TCollection& collection, std::ostream& out) {
-  TSummary(collection, out).Print();
+void PrintSummary(const TInventory& inventory, std::ostream& out) {
+  TSummary(inventory, out).Print();
 }
 
 }  // namespace zel

@@ -4,5 +4,6 @@
 
 int main(int argc, char** argv) {
   std::ios::sync_with_stdio(false);
-  return zel::Main(argc, argv, std::cout, std::cerr);
+  return zel::Main(argc, argv,
+                   {std::cout, std::cerr, zel::FindTerminal(), zel::IsProgressWanted()});
 }

@@ -30,7 +30,7 @@ TResult Zel(std::vector<std::string> arguments) {
   for (const std::string& argument : arguments) argv.push_back(argument.c_str());
   std::ostringstream out;
   std::ostringstream err;
-  const int code = zel::Main(static_cast<int>(argv.size()), argv.data(), out, err);
+  const int code = zel::Main(static_cast<int>(argv.size()), argv.data(), {out, err});
   return {code, out.str(), err.str()};
 }
 
@@ -100,9 +100,8 @@ TEST(Collect, SaysWhichClassThereIsNot) {
   for (const char* name : {"Fan", "a-b", ""}) {
     const TResult result = Collect(plugins, {"--class", name});
     EXPECT_EQ(2, result.code);
-    EXPECT_EQ(
-        "zel: no class '" + std::string(name) + "'; 'zel plugins' lists the classes there are\n",
-        result.err);
+    EXPECT_EQ("zel: no class or section '" + std::string(name) + "'; 'zel schema' lists them\n",
+              result.err);
   }
 }
 
@@ -259,7 +258,7 @@ TEST(Main, NoticesThatTheOutputIsLost) {
   std::ostringstream err;
   std::ostream full(nullptr);  // every write fails
   const char* argv[] = {"zel", "--version"};
-  EXPECT_EQ(7, zel::Main(2, argv, full, err));
+  EXPECT_EQ(7, zel::Main(2, argv, {full, err}));
   EXPECT_EQ("zel: the output could not be written; is the disk full?\n", err.str());
 }
 

@@ -1,0 +1,237 @@
+#include "frontend/Inventory.h"
+
+#include <fmt/format.h>
+#include <string.h>
+#include <sys/mman.h>
+#include <sys/stat.h>
+
+#include <algorithm>
+#include <cerrno>
+#include <map>
+
+#include "frontend/Descriptor.h"
+#include "frontend/ExitCode.h"
+#include "frontend/Log.h"
+#include "frontend/RunRecord.h"
+#include "frontend/ValueText.h"
+#include "zelcore/zelcore.h"
+
+namespace zel {
+namespace {
+
+constexpr const char* kFirstSections[] = {"System",           "Firmware",   "Boards", "Chassis",
+                                          "Operating system", "Processors", "Memory"};
+constexpr const char* kLastSections[] = {"Product", "Links", kCollectionSection};
+constexpr char kNoSection[] = "Other";
+
+// Where a section comes: the first ones, then those that have no place of their own, then the last.
+std::ptrdiff_t PlaceOf(const std::string& section) {
+  const auto first = std::find(std::begin(kFirstSections), std::end(kFirstSections), section);
+  if (first != std::end(kFirstSections)) return first - std::begin(kFirstSections);
+  const auto last = std::find(std::begin(kLastSections), std::end(kLastSections), section);
+  return static_cast<std::ptrdiff_t>(std::size(kFirstSections)) +
+         (last == std::end(kLastSections) ? 0 : 1 + (last - std::begin(kLastSections)));
+}
+
+std::string SectionOf(const TCIMClass& cls) {
+  const TCIMQualifier* section = cls.FindQualifier("SECTION");
+  if (!section || section->GetType() != TCIMValue::TCIMType::TypeString) return kNoSection;
+  const TCIMValue value = section->GetValue();
+  return value.IsNull() || value.IsArray() ? kNoSection : value.ToString(10);
+}
+
+std::vector<TSection> SectionsOf(const TContainer& container) {
+  std::map<std::pair<std::ptrdiff_t, std::string>, std::vector<TCIMClass*>> found;
+  for (TCIMClass* cls : container.GetRootClass()->EnumerateSubClasses(true)) {
+    if (cls->IsAbstract()) continue;
+    const std::string section = SectionOf(*cls);
+    found[{PlaceOf(section), section}].push_back(cls);
+  }
+  std::vector<TSection> sections;
+  for (auto& [place, classes] : found) {
+    std::sort(classes.begin(), classes.end(),
+              [](const TCIMClass* a, const TCIMClass* b) { return a->GetName() < b->GetName(); });
+    sections.push_back({place.second, std::move(classes)});
+  }
+  return sections;
+}
+
+// Lower case, without blanks.
+std::string Folded(const std::string& name) {
+  std::string folded;
+  for (const char c : name) {
+    if (c != ' ') folded += 'A' <= c && c <= 'Z' ? static_cast<char>(c - 'A' + 'a') : c;
+  }
+  return folded;
+}
+
+void AddConcrete(TCIMClass* cls, std::vector<TCIMClass*>& classes) {
+  if (!cls->IsAbstract() && std::find(classes.begin(), classes.end(), cls) == classes.end()) {
+    classes.push_back(cls);
+  }
+}
+
+TCIMClass* FindClass(const TContainer& container, const std::string& name) {
+  try {
+    return name.empty() ? nullptr : container.FindClass(name);
+  } catch (const TZELException&) {
+    return nullptr;  // a text that cannot be a class name
+  }
+}
+
+std::vector<TCIMInstance*> InstancesOf(const TContainer& container, const char* className) {
+  const TCIMClass* cls = container.FindClass(className);
+  return cls ? cls->EnumerateInstances(false) : std::vector<TCIMInstance*>();
+}
+
+// All of standard input in memory.
+TDescriptor KeepInput() {
+  TDescriptor memory(memfd_create("zel-input", MFD_CLOEXEC));
+  char block[65536];
+  for (;;) {
+    const ssize_t count = read(STDIN_FILENO, block, sizeof block);
+    if (count == 0) return memory;
+    if (count < 0 && errno == EINTR) continue;
+    if (count < 0 || write(memory.Get(), block, static_cast<std::size_t>(count)) != count) {
+      throw TCommandError(kExitBadInput,
+                          fmt::format("cannot read standard input: {}", strerror(errno)));
+    }
+  }
+}
+
+void ReadInto(TContainer& container, const std::string& path, const std::string& title) {
+  try {
+    TLogger::GetInstance()->ClearLog();
+    container.PopulateContainerFromFile(path);
+  } catch (const std::exception& error) {
+    const std::string why = FirstLoggedError();
+    throw TCommandError(kExitBadInput,
+                        Printable(fmt::format("cannot read '{}': {}; 'zel validate' tells more",
+                                              title, why.empty() ? error.what() : why)));
+  }
+}
+
+}  // namespace
+
+TInventory::TInventory(std::unique_ptr<TContainer> read, std::unique_ptr<TCollection> collection,
+                       std::string title)
+    : fRead(std::move(read)),
+      fCollection(std::move(collection)),
+      fContainer(fRead ? fRead.get() : &fCollection->GetContainer()),
+      fTitle(std::move(title)),
+      fSections(SectionsOf(*fContainer)) {}
+
+TInventory TInventory::Collect(const TCollectionOptions& options,
+                               const std::vector<std::string>& names) {
+  TInventory inventory(nullptr, std::make_unique<TCollection>(options), "this machine");
+  inventory.fCollection->Collect(names.empty() ? inventory.AllClasses() : inventory.Resolve(names));
+  inventory.FindRun();
+  return inventory;
+}
+
+TInventory TInventory::Read(const std::string& path) {
+  StartLog("", zelLogStatus);
+  auto container = std::make_unique<TContainer>();
+  const bool isInput = path == "-";
+  const std::string title = isInput ? "standard input" : path;
+  struct stat status = {};
+  if (!isInput && stat(path.c_str(), &status) != 0) {
+    throw TCommandError(kExitBadInput,
+                        Printable(fmt::format("cannot read '{}': {}; 'zel collect -o FILE' saves a "
+                                              "collection",
+                                              title, strerror(errno))));
+  }
+  if (isInput) {
+    const TDescriptor input = KeepInput();
+    ReadInto(*container, fmt::format("/proc/self/fd/{}", input.Get()), title);
+  } else {
+    ReadInto(*container, path, title);
+  }
+  TInventory inventory(std::move(container), nullptr, title);
+  inventory.FindRun();
+  return inventory;
+}
+
+void TInventory::FindRun() {
+  const std::vector<TCIMInstance*> runs = InstancesOf(*fContainer, kRunClass);
+  if (!runs.empty()) fRun = runs.front();
+  for (const TCIMInstance* status : InstancesOf(*fContainer, kStatusClass)) {
+    fStatuses.push_back(status);
+  }
+}
+
+std::vector<TCIMClass*> TInventory::AllClasses() const {
+  std::vector<TCIMClass*> all;
+  for (const TSection& section : fSections) {
+    all.insert(all.end(), section.classes.begin(), section.classes.end());
+  }
+  return all;
+}
+
+std::vector<TCIMClass*> TInventory::Resolve(const std::vector<std::string>& names) const {
+  std::vector<TCIMClass*> classes;
+  for (const std::string& name : names) {
+    const auto section = std::find_if(fSections.begin(), fSections.end(), [&](const TSection& s) {
+      return Folded(s.name) == Folded(name);
+    });
+    if (section != fSections.end()) {
+      for (TCIMClass* cls : section->classes) AddConcrete(cls, classes);
+    } else if (TCIMClass* cls = FindClass(*fContainer, name)) {
+      AddConcrete(cls, classes);
+      for (TCIMClass* sub : cls->EnumerateSubClasses(true)) AddConcrete(sub, classes);
+    } else {
+      throw TCommandError(
+          kExitUsage,
+          Printable(fmt::format("no class or section '{}'; 'zel schema' lists them", name)));
+    }
+  }
+  return classes;
+}
+
+bool TInventory::IsPartial() const { return fRun && FlagOf(*fRun, "IsPartial"); }
+bool TInventory::IsRedacted() const { return fRun && FlagOf(*fRun, "IsRedacted"); }
+
+bool TInventory::WasCollected(const TCIMClass& cls) const {
+  const TCIMClass* own = FindClass(*fContainer, cls.GetName());
+  if (!own) return false;
+  if (fStatuses.empty()) return true;
+  return std::any_of(fStatuses.begin(), fStatuses.end(), [&](const TCIMInstance* status) {
+    const TCIMProperty* asked = status->FindProperty("Classes");
+    if (!asked || asked->GetValue().IsNull() || TextOf(*status, "Status") != "0") return false;
+    const TCIMValue value = asked->GetValue();
+    const std::vector<TCIMValue>& names = value;
+    return std::any_of(names.begin(), names.end(), [&](const TCIMValue& name) {
+      return Folded(name.ToString(10)) == Folded(cls.GetName());
+    });
+  });
+}
+
+std::string TextOf(const TCIMInstance& instance, const char* property,
+                   const std::string& otherwise) {
+  const TCIMProperty* found = instance.FindProperty(property);
+  return found && !found->GetValue().IsNull() ? found->GetValue().ToString(10) : otherwise;
+}
+
+bool FlagOf(const TCIMInstance& instance, const char* property) {
+  const TCIMProperty* found = instance.FindProperty(property);
+  if (!found || found->GetType() != TCIMValue::TCIMType::TypeBoolean) return false;
+  const TCIMValue value = found->GetValue();
+  return !value.IsNull() && !value.IsArray() && static_cast<bool>(value);
+}
+
+std::string TakeFile(std::vector<std::string>& arguments) {
+  if (arguments.empty()) return "";
+  const std::string first = arguments.front();
+  const auto endsIn = [&](const std::string& end) {
+    return first.size() > end.size() &&
+           first.compare(first.size() - end.size(), end.size(), end) == 0;
+  };
+  struct stat status = {};
+  const bool isFile = first == "-" || first.find('/') != std::string::npos || endsIn(".xml") ||
+                      endsIn(".gz") || stat(first.c_str(), &status) == 0;
+  if (!isFile) return "";
+  arguments.erase(arguments.begin());
+  return first;
+}
+
+}  // namespace zel

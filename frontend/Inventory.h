@@ -1,0 +1,86 @@
+#pragma once
+
+#include <memory>
+#include <string>
+#include <vector>
+
+#include "frontend/Collection.h"
+
+class TCIMClass;
+class TCIMInstance;
+class TContainer;
+
+namespace zel {
+
+// The section of what tells about the collection itself.
+inline constexpr char kCollectionSection[] = "Collection";
+
+// A heading for people and the classes below it.
+struct TSection {
+  std::string name;
+  std::vector<TCIMClass*> classes;
+};
+
+// What the commands work on: a schema with instances, of this machine or from a file. Everything
+// known about the collection itself stands in its KVRSG_CollectionRun and KVRSG_CollectionStatus
+// instances; a document of others may have none.
+class TInventory {
+ public:
+  // Collects the classes and sections that `names` stand for, or everything when there are none.
+  // Throws TCommandError.
+  static TInventory Collect(const TCollectionOptions& options,
+                            const std::vector<std::string>& names = {});
+
+  // Reads a saved collection, "-" from standard input. Throws TCommandError (kExitBadInput) that
+  // names the file, the reason, and the line of an error in the document.
+  static TInventory Read(const std::string& path);
+
+  TContainer& GetContainer() const { return *fContainer; }
+  // "this machine", or the file.
+  const std::string& GetTitle() const { return fTitle; }
+
+  // All concrete classes: the sections of the machine in the order of the summary, then others by
+  // name, then "Links" and the collection itself; in a section by name.
+  const std::vector<TSection>& GetSections() const { return fSections; }
+  std::vector<TCIMClass*> AllClasses() const;
+
+  // The concrete classes that `names` stand for, in the order given and each once: a class stands
+  // for itself and its subclasses, a section (in any case, blanks or not: "operatingsystem") for
+  // its classes. Throws TCommandError (kExitUsage) for a name that is neither.
+  std::vector<TCIMClass*> Resolve(const std::vector<std::string>& names) const;
+
+  // The instance of the run; null when the document has none.
+  const TCIMInstance* GetRun() const { return fRun; }
+  // The outcome of every plug-in, in the order in which they were asked.
+  const std::vector<const TCIMInstance*>& GetStatuses() const { return fStatuses; }
+  bool IsPartial() const;
+  bool IsRedacted() const;
+
+  // Whether the class was asked for and its plug-in answered; when the document does not say,
+  // whether the class is there at all.
+  bool WasCollected(const TCIMClass& cls) const;
+
+ private:
+  TInventory(std::unique_ptr<TContainer> read, std::unique_ptr<TCollection> collection,
+             std::string title);
+  void FindRun();
+
+  std::unique_ptr<TContainer> fRead;         // null for this machine
+  std::unique_ptr<TCollection> fCollection;  // null for a file
+  TContainer* fContainer;                    // of the one that is not null
+  std::string fTitle;
+  std::vector<TSection> fSections;
+  const TCIMInstance* fRun = nullptr;
+  std::vector<const TCIMInstance*> fStatuses;
+};
+
+// The property's value, `otherwise` when there is none or it is NULL.
+std::string TextOf(const TCIMInstance& instance, const char* property,
+                   const std::string& otherwise = "");
+bool FlagOf(const TCIMInstance& instance, const char* property);
+
+// Takes the first of `arguments` away when it names a file rather than a class or section: when it
+// is "-", holds a '/', ends in ".xml" or ".gz", or is there. Empty when it does not.
+std::string TakeFile(std::vector<std::string>& arguments);
+
+}  // namespace zel
