@@ -7,6 +7,7 @@
 #include <boost/shared_ptr.hpp>
 #include <cstdio>
 #include <cstdlib>
+#include <filesystem>
 #include <fstream>
 #include <memory>
 #include <string>
@@ -83,6 +84,9 @@ TBuffer ReadPlain(const std::string& path, std::size_t size) {
 TBuffer ReadDocument(const std::string& path) {
   try {
     const std::size_t size = TOSSpecific::GetFileSize(path);
+    // To open a FIFO or a device, or to read it, may take for ever.
+    std::error_code failure;
+    if (!std::filesystem::is_regular_file(path, failure)) Fail(zelStatusFileSystemError);
     return path.rfind(".gz") != std::string::npos ? ReadGzip(path) : ReadPlain(path, size);
   } catch (const TZELException& failure) {
     Fail(failure.GetStatusCode(), Text("Couldn't read file '", path, "': ", failure.what()));

@@ -2,6 +2,7 @@
 
 #include <fcntl.h>
 #include <gtest/gtest.h>
+#include <sys/stat.h>
 #include <unistd.h>
 
 #include <algorithm>
@@ -137,6 +138,20 @@ TEST(PluginManager, PassesOnWhatTheDocumentThrows) {
   const IPlugin& plugin = *PluginDir::Manager().GetPluginsContainer().front();
   EXPECT_TRUE(plugin.IsInitialized());
   EXPECT_EQ("zelStatusFail", StatusOf([&] { plugin.GetClassesCollected(); }));
+}
+
+TEST(PluginManager, DoesNotWaitForADocumentThatIsNoFile) {
+  const PluginDir plugins;
+  const std::string document = plugins.Files().PathOf("undocumented/undocumented.properties.xml");
+  plugins.Install("undocumented");
+  ASSERT_EQ(0, mkfifo(document.c_str(), 0644));
+  plugins.Install("good");
+  alarm(30);
+  PluginDir::Manager().FindAndLoadPlugins();
+  alarm(0);
+  EXPECT_EQ(Lines{"Couldn't read file '" + document + "': zelStatusFileSystemError"},
+            LogLines(zelLogError));
+  EXPECT_NE(nullptr, PluginDir::Schema().FindClass("Good_Thing"));
 }
 
 TEST(PluginManager, NeedsTheDeclarationsOfTheTwoQualifiers) {

@@ -149,6 +149,18 @@ TEST_F(PopulateContainerFromFile, FailsForAFileThatCannotBeOpened) {
   }
 }
 
+TEST_F(PopulateContainerFromFile, DoesNotWaitForWhatMayNeverEnd) {
+  alarm(30);
+  for (const char* name : {"fifo.xml", "fifo.xml.gz"}) {
+    ASSERT_EQ(0, mkfifo(fDir.PathOf(name).c_str(), 0644));
+    EXPECT_EQ("zelStatusFileSystemError", ReadFault(fDir.PathOf(name)));
+  }
+  for (const char* device : {"/dev/null", "/dev/zero", "/dev/ptmx"}) {
+    EXPECT_EQ("zelStatusFileSystemError", ReadFault(device));
+  }
+  alarm(0);
+}
+
 TEST_F(PopulateContainerFromFile, FailsForAGzipFileTooShortForItsParts) {
   EXPECT_EQ("zelStatusFileSystemError", ReadFault(Write("0.gz", "")));
   EXPECT_EQ("zelStatusFileSystemError", ReadFault(Write("1.gz", "\x1F")));
