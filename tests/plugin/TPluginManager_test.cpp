@@ -15,6 +15,7 @@
 #include "tests/support/Status.h"
 #include "zelcore/TCIMClass.h"
 #include "zelcore/TCIMQualifier.h"
+#include "zelcore/TCIMQualifierDecl.h"
 #include "zelcore/TCIMValue.h"
 #include "zelcore/TCPluginCallbacks.h"
 #include "zelcore/TRootObject.h"
@@ -179,6 +180,28 @@ TEST(PluginManager, KeepsAStampThatTheDocumentBroughtAlong) {
   plugins.Files().WriteFile("paper/paper.properties.xml", document);
   PluginDir::Manager().LoadPlugin(plugins.Files().PathOf("paper/libpaper.pi.so"));
   EXPECT_EQ("paper", QualifierText(*PluginDir::Schema().GetClass("Paper_Thing"), "PLUGINNAME"));
+}
+
+TEST(PluginManager, CannotReplaceAStampThatIsHandedDownForGood) {
+  const PluginDir plugins;
+  TContainer& schema = PluginDir::Schema();
+  schema.RemoveQualifierDecl(*schema.GetQualifierDecl("PLUGINNAME"));
+  schema
+      .AllocateQualifierDecl("PLUGINNAME", TCIMValue(TCIMValue::TCIMType::TypeString, 0),
+                             TCIMQualifierDecl::ScopeClass, TCIMQualifierDecl::FlavorToSubclass)
+      ->AddToContainer();
+  plugins.Load("good");
+  plugins.Install("paper");
+  std::string document = ReadFile(plugins.Files().PathOf("paper/paper.properties.xml"));
+  const std::string name = "NAME=\"Paper_Thing\"";
+  document.replace(document.find(name), name.size(), name + " SUPERCLASS=\"Good_Thing\"");
+  document.erase(document.find("<PROPERTY"),
+                 document.find("</CLASS>") - document.find("<PROPERTY"));
+  plugins.Files().WriteFile("paper/paper.properties.xml", document);
+  EXPECT_EQ("zelStatusNotOverridable", StatusOf([&] {
+              PluginDir::Manager().LoadPlugin(plugins.Files().PathOf("paper/libpaper.pi.so"));
+            }));
+  EXPECT_EQ("good", QualifierText(*schema.GetClass("Paper_Thing"), "PLUGINNAME"));
 }
 
 TEST(PluginManager, ListsBothPluginsOfOneLibraryInOrder) {

@@ -2,12 +2,15 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
+#include <boost/make_shared.hpp>
 #include <stdexcept>
 #include <string>
 #include <vector>
 
 #include "tests/plugin/PluginDir.h"
 #include "tests/support/LogSpy.h"
+#include "tests/support/Status.h"
 #include "zelcore/TCIMClass.h"
 #include "zelcore/TCIMInstance.h"
 #include "zelcore/TCIMProperty.h"
@@ -195,6 +198,75 @@ TEST(RunQuery, NamesPluginsThatFailAndKeepsTheDataOfTheOthers) {
   EXPECT_EQ(1u, CountOf("Good_Link"));
 }
 
+// What the plug-in "good" collects, with all its values.
+void ExpectTheDataOfGood() {
+  const TContainer& schema = PluginDir::Schema();
+  const auto things = schema.GetClass("Good_Thing")->EnumerateInstances(false);
+  ASSERT_EQ(2u, things.size());
+  for (const TCIMInstance* thing : things) {
+    EXPECT_EQ("2400", thing->GetProperty("Speed")->GetValue().ToString(10));
+    EXPECT_EQ("{ 3, 5 }", thing->GetProperty("Ports")->GetValue().ToString(10));
+    EXPECT_EQ("20040315142530.000000-300", thing->GetProperty("Made")->GetValue().ToString(10));
+  }
+  EXPECT_EQ("Good_Thing.Id=\"a\"", things[0]->BuildPath().GetPath());
+  EXPECT_EQ("Good_Thing.Id=\"b\"", things[1]->BuildPath().GetPath());
+  const auto links = schema.GetClass("Good_Link")->EnumerateInstances(false);
+  ASSERT_EQ(1u, links.size());
+  EXPECT_EQ("Good_Thing.Id=\"a\"", links[0]->GetProperty("From")->GetValue().ToString(10));
+  EXPECT_EQ("Good_Thing.Id=\"b\"", links[0]->GetProperty("To")->GetValue().ToString(10));
+}
+
+TEST(RunQuery, KeepsTheDataOfAGoodPluginWhateverIsWrongWithItsNeighbour) {
+  struct {
+    const char* name;
+    const char* file;  // put in the plug-in's directory, with `contents`
+    const char* contents;
+    const char* line;  // names the plug-in or its file in the log; empty: nothing is wrong
+  } const rows[] = {
+      {"text",         "libtext.pi.so",                    "no library\n", "DLL "                                                      },
+      {"text",         "libtext.pi.so/file",               "",             "DLL "                                                      },
+      {"undocumented", "",                                 "",             "Couldn't read file "                                       },
+      {"undocumented", "undocumented.properties.xml",      "<CIM",         "Previous error was while parsing"                          },
+      {"undocumented", "undocumented.properties.xml/file", "",             "Couldn't read file "                                       },
+      {"refuses",      "",                                 "",             "Plugin refuses threw exception zelStatusFail"              },
+      {"odd",          "",                                 "",             "Plugin odd threw exception zelStatusEnd"                   },
+      {"nameless",     "",                                 "",             ""                                                          },
+      {"hollow",       "",                                 "",             "Plugin  threw exception zelStatusFail"                     },
+      {"throws",       "",                                 "",             "Plugin throws threw exception disk on fire"                },
+      {"unfinished",   "",                                 "",             "Plugin unfinished threw exception zelStatusInvalidInstance"},
+      {"twins",        "",                                 "",             "Previous error was while parsing"                          },
+      {"bystander",    "",                                 "",             ""                                                          },
+      {"fickle",       "",                                 "",             ""                                                          },
+      {"chatty",       "",                                 "",             ""                                                          },
+  };
+  for (const auto& row : rows) {
+    // Before the good one, and after it.
+    for (const bool first : {true, false}) {
+      SCOPED_TRACE(testing::Message() << row.name << '/' << row.file << ", first: " << first);
+      RestartLog();
+      const PluginDir plugins;
+      const std::string path = plugins.Install(row.name);
+      if (*row.file) {
+        plugins.Files().WriteFile(std::string(row.name) + "/" + row.file, row.contents);
+      }
+      std::vector<std::string> paths = {path, plugins.Install("good")};
+      if (!first) std::swap(paths[0], paths[1]);
+      for (const std::string& each : paths) {
+        StatusOf([&] { PluginDir::Manager().LoadPlugin(each); });
+      }
+      PluginDir::Query();
+      ExpectTheDataOfGood();
+      const Lines errors = LogLines(zelLogError);
+      const bool isNamed = std::any_of(errors.begin(), errors.end(), [&](const std::string& line) {
+        return line.find(row.line) == 0;
+      });
+      EXPECT_EQ(*row.line != '\0', isNamed);
+      EXPECT_EQ(*row.line != '\0', !errors.empty());
+      delete TQueryManager::GetInstance();
+    }
+  }
+}
+
 TEST(Logging, SurvivesAPluginThatLogsWhenAskedForItsName) {
   const PluginDir plugins;
   IPlugin& chatty = plugins.Load("chatty");
@@ -269,6 +341,55 @@ TEST(EnumerateInstances, ReportsAPluginThatAnswersNoQueries) {
   EXPECT_EQ(zelLogError, LastLogSeverity());
 }
 
+TEST(RunQuery, ReportsAPluginThatAnswersNoQueriesOncePerPass) {
+  const PluginDir plugins;
+  plugins.Load("good");
+  Unasked callbacks;
+  PluginDir::Manager().GetPluginsContainer().push_front(boost::make_shared<Record>(callbacks));
+  ClearLog();
+  PluginDir::Query();
+  EXPECT_EQ(Lines(2, "Plugin unasked doesn't support the IPluginBasicQueryCallbacks."), LogLines());
+  ExpectTheDataOfGood();
+}
+
+TEST(EnumerateInstances, LooksAtNothingMoreOnceAClassIsRuledOut) {
+  const PluginDir plugins;
+  plugins.Load("good");
+  TContainer& schema = PluginDir::Schema();
+  TCIMClass* secret = schema.GetClass("Good_Secret");
+  secret->GetQualifier("DONTCOLLECT")->SetValue("yes");  // no boolean: to look at it throws
+  ClearLog();
+  Asked callbacks;
+  Record plugin(callbacks, {secret});
+  TQueryManager::GetInstance()->EnumerateInstances(&plugin, &schema, {"Good_Thing"}, false);
+  EXPECT_TRUE(LogLines().empty());
+  secret->AddQualifier(*new TCIMQualifier(*schema.GetQualifierDecl("ABSTRACT"), TCIMValue(true)));
+  Enumerate(plugin);
+  EXPECT_TRUE(LogLines().empty());
+
+  secret->GetQualifier("ABSTRACT")->SetValue("yes");
+  Enumerate(plugin);
+  EXPECT_EQ(Lines{"Plugin asked threw exception zelStatusTypeMismatch"}, LogLines());
+}
+
+TEST(EnumerateInstances, AsksThePluginsOwnClassForInstancesOfItselfOnly) {
+  const PluginDir plugins;
+  plugins.Load("good");
+  TCIMClass* thing = PluginDir::Schema().GetClass("Good_Thing");
+  TCIMClass* special = PluginDir::Schema().AllocateClass("Good_Special", thing);
+  special->AddToContainer();
+  Asked callbacks;
+  Record plugin(callbacks, {special});
+  Enumerate(plugin);
+  EXPECT_EQ(1u, CountOf("Good_Special"));
+
+  // Instances of a subclass do not keep it from being asked for.
+  Record generalPlugin(callbacks, {thing});
+  Enumerate(generalPlugin);
+  EXPECT_EQ(std::vector<TCIMClass*>{thing}, callbacks.asked);
+  EXPECT_EQ(1u, CountOf("Good_Thing"));
+}
+
 TEST(EnumerateInstances, AsksTheFirstPluginThatYieldsInstancesOfASharedClass) {
   const PluginDir plugins;
   plugins.Load("good");
@@ -299,6 +420,20 @@ TEST(EnumerateInstances, KeepsTheOrderOfTheCollectedClasses) {
   EXPECT_EQ((std::vector<TCIMClass*>{nameless, thing}), callbacks.asked);
   Enumerate(plugin, true);
   EXPECT_EQ(std::vector<TCIMClass*>{link}, callbacks.asked);
+}
+
+// Callbacks that throw what is no standard exception.
+class Wild : public Asked {
+ public:
+  void GetData(TContainer*, std::vector<TCIMClass*>&) override { throw 42; }
+};
+
+TEST(EnumerateInstances, LetsOutWhatIsNoStandardException) {
+  const PluginDir plugins;
+  Wild callbacks;
+  Record plugin(callbacks);
+  EXPECT_THROW(Enumerate(plugin), int);
+  EXPECT_TRUE(LogLines().empty());
 }
 
 TEST(EnumerateInstances, LogsWhatAPluginThrows) {

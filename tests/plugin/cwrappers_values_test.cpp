@@ -1,5 +1,8 @@
 #include <gtest/gtest.h>
+#include <sys/resource.h>
+#include <unistd.h>
 
+#include <fstream>
 #include <string>
 #include <vector>
 
@@ -72,6 +75,7 @@ TEST(ValueArray, RefusesAReferenceWithoutAClass) {
   zelCIMValueArray array;
   EXPECT_EQ(zelStatusInvalidReference, zelArrayAddReference(&array, &ref));
   EXPECT_TRUE(array.empty());
+  EXPECT_EQ(std::vector<std::string>{"GetClass() called before container set"}, LogLines());
 }
 
 // ---- Datetimes
@@ -124,6 +128,7 @@ TEST_F(Datetime, KeepsItsValueWhenANewOneIsRefused) {
   EXPECT_EQ(zelStatusInvalidDateTime, zelSetDateTimeString(fDatetime, ""));
   EXPECT_EQ(zelStatusInvalidDateTime, zelSetDateTimeString(fDatetime, "2004-03-15 14:25:30"));
   EXPECT_EQ("20040315142530.000000-300", fDatetime->ToString());
+  EXPECT_TRUE(LogLines().empty());
 }
 
 TEST_F(Datetime, TakesTheLocalTimeInEveryZone) {
@@ -135,6 +140,53 @@ TEST_F(Datetime, TakesTheLocalTimeInEveryZone) {
     EXPECT_LE(before, fDatetime->ToString()) << zoneName;
     EXPECT_GE(after, fDatetime->ToString()) << zoneName;
   }
+}
+
+// ---- Without memory
+
+TEST(CApi, AnswersThatThereIsNoMemory) {
+#ifdef __SANITIZE_ADDRESS__
+  GTEST_SKIP() << "the address space cannot be limited under AddressSanitizer";
+#endif
+  constexpr std::size_t kSize = 64 << 20;
+  Handle handle;
+  zelAddClass(handle, "Test_Thing");
+  zelAddStringProperty(handle, "Id", "a");
+  zelAddStringProperty(handle, "string", "former");
+  zelCIMValueArray array;
+  zelCIMDateTime datetime;
+  zelCIMReference ref(&handle.Container());
+  ref.SetClassName("Test_Thing");
+  const std::string huge(kSize, 'x');
+  ClearLog();
+
+  std::size_t pages = 0;
+  std::ifstream("/proc/self/statm") >> pages;
+  rlimit former{};
+  getrlimit(RLIMIT_AS, &former);
+  rlimit tight = former;
+  tight.rlim_cur = pages * static_cast<std::size_t>(sysconf(_SC_PAGESIZE)) + kSize / 2;
+  setrlimit(RLIMIT_AS, &tight);
+  const zelStatusCode answers[] = {
+      zelAddClass(handle, huge.c_str()),
+      zelAddProperty(handle, "string", huge.c_str()),
+      zelAddProperty(handle, huge.c_str(), "a"),
+      zelAddStringProperty(handle, "string", huge.c_str()),
+      zelAddUint8Property(handle, huge.c_str(), 1),
+      zelArrayAddString(&array, huge.c_str()),
+      zelSetDateTimeString(&datetime, huge.c_str()),
+      zelSetReferencePath(&ref, huge.c_str()),
+      zelSetReferenceClassName(&ref, huge.c_str()),
+      zelReferenceAddString(&ref, "Id", huge.c_str()),
+      zelReferenceAddString(&ref, huge.c_str(), "a"),
+  };
+  setrlimit(RLIMIT_AS, &former);
+  for (const zelStatusCode answer : answers) {
+    EXPECT_EQ(zelStatusOutOfMemory, answer);
+  }
+  EXPECT_TRUE(LogLines().empty());
+  EXPECT_EQ("former", static_cast<std::string>(handle.Value("string")));
+  EXPECT_TRUE(array.empty());
 }
 
 // ---- References
