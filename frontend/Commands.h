@@ -25,5 +25,6 @@ class TCommand {
 // in Main.cpp.
 std::unique_ptr<TCommand> MakeCollectCommand(CLI::App& options);
 std::unique_ptr<TCommand> MakePluginsCommand(CLI::App& options);
+std::unique_ptr<TCommand> MakeCompletionCommand(CLI::App& options);
 
 }  // namespace zel

@@ -8,14 +8,29 @@
 
 #include "frontend/Commands.h"
 #include "frontend/ExitCode.h"
+#include "frontend/Manual.h"
+#include "frontend/OptionTable.h"
 #include "zelcore/zelcore.h"
 
 namespace zel {
 namespace {
 
-constexpr char kExitCodes[] =
-    "Exit codes: 0 done, 2 usage, 3 collected in part, 4 input unreadable or invalid,\n"
-    "5 no plug-ins, 7 output could not be written, 130 interrupted.";
+// "Exit codes: 0 done, 2 usage, ...", in lines.
+std::string ExitCodesText() {
+  constexpr std::size_t kWidth = 96;
+  std::string text = "Exit codes:";
+  std::size_t lineStart = 0;
+  for (const TExitCodeRow& row : kExitCodes) {
+    const std::string entry = fmt::format(" {} {}", row.code, row.meaning);
+    if (&row != std::begin(kExitCodes)) text += ',';
+    if (text.size() + entry.size() - lineStart > kWidth) {
+      text += "\n ";
+      lineStart = text.size() - 1;
+    }
+    text += entry;
+  }
+  return text + ".";
+}
 
 struct TCommandRow {
   const char* name;
@@ -28,10 +43,13 @@ struct TCommandRow {
 const std::vector<TCommandRow> kCommands = {
     {"collect",
      "Collect this machine and print a summary, or all there is of some classes", {"zel collect", "zel collect --class KVRSG_Processor KVRSG_Memory --format json"},
-     MakeCollectCommand},
+     MakeCollectCommand   },
     {"plugins",
      "List the plug-ins, their classes, and why one does not load",               {"zel plugins", "zel plugins --plugin-dir /opt/acme/plugins"},
-     MakePluginsCommand},
+     MakePluginsCommand   },
+    {"completion",
+     "Write the completion of a shell",                                           {"source <(zel completion bash)", "zel completion fish > ~/.config/fish/completions/zel.fish"},
+     MakeCompletionCommand},
 };
 
 // Help that opens with examples.
@@ -39,6 +57,10 @@ class TFormatter : public CLI::Formatter {
  public:
   void AddExamples(const std::string& command, const std::vector<std::string>& examples) {
     fExamples[command] = examples;
+  }
+
+  const std::vector<std::string>& GetExamples(const std::string& command) const {
+    return fExamples.at(command);
   }
 
   std::string make_description(const CLI::App* app) const override {
@@ -61,14 +83,15 @@ class TCommandLine {
       : fFormatter(std::make_shared<TFormatter>()),
         fApp("Collects a typed inventory of this machine", "zel") {
     fApp.set_version_flag("--version", "zel " ZEL_VERSION);
-    fApp.footer(kExitCodes);
+    fApp.footer(ExitCodesText());
     fApp.require_subcommand(1);
     fApp.formatter(fFormatter);
     for (const TCommandRow& row : kCommands) {
       fCommands[row.name] = row.make(*AddCommand(row.name, row.text, row.examples));
     }
-    AddCommand("help", "Explain a command", {"zel help", "zel help collect"})
-        ->add_option("COMMAND", fTopic, "The command to explain");
+    CLI::App* help = AddCommand("help", "Explain a command", {"zel help", "zel help collect"});
+    help->add_option("COMMAND", fTopic, "The command to explain");
+    help->add_flag("--man", fAsManual, "As a manual page, for man(1)");
   }
 
   CLI::App& App() { return fApp; }
@@ -96,15 +119,30 @@ class TCommandLine {
       }
       topic = found.front();
     }
+    if (fAsManual) {
+      WriteManual(*topic, out);
+      return kExitDone;
+    }
     const std::string name = fTopic.empty() ? "zel" : "zel " + fTopic;
     out << fFormatter->make_help(topic, name, CLI::AppFormatMode::Normal);
     return kExitDone;
+  }
+
+  void WriteManual(const CLI::App& topic, std::ostream& out) const {
+    const std::vector<TCommandTable> commands = CommandsOf(fApp);
+    if (&topic == &fApp) {
+      zel::WriteManual(fApp.get_description(), OptionsOf(fApp), commands, out);
+      return;
+    }
+    const TCommandTable command = {fTopic, topic.get_description(), OptionsOf(topic)};
+    zel::WriteManual(command, fFormatter->GetExamples(fTopic), commands, out);
   }
 
   std::shared_ptr<TFormatter> fFormatter;
   CLI::App fApp;
   std::map<std::string, std::unique_ptr<TCommand>> fCommands;
   std::string fTopic;
+  bool fAsManual = false;
 };
 
 TExitCode ParseAndRun(int argc, const char* const* argv, TStreams& streams) {

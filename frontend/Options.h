@@ -13,14 +13,26 @@ namespace zel {
 // --plugin-dir, --base, --timeout, --log, --log-level
 void AddCollectionOptions(CLI::App& command, TCollectionOptions& options);
 
+// The row of `table` that `word` names, in any case; `words` are all of them. Throws
+// CLI::ValidationError for an option called `name`.
+template <class TValue>
+TValue Choose(const std::string& name, const std::string& word,
+              const std::map<std::string, TValue>& table, const std::string& words) {
+  const auto found = table.find(CLI::detail::to_lower(word));
+  if (found != table.end()) return found->second;
+  throw CLI::ValidationError(name, "'" + word + "' is none of " + words);
+}
+
 // An option whose value is one of the words of `table`.
 template <class TValue>
 CLI::Option* AddChoice(CLI::App& command, const std::string& name, TValue& value,
                        const std::map<std::string, TValue>& table, const std::string& text) {
   std::string words;
   for (const auto& row : table) words += (words.empty() ? "" : "|") + row.first;
-  return command.add_option(name, value, text)
-      ->transform(CLI::CheckedTransformer(table, CLI::ignore_case).description(""))
+  return command
+      .add_option_function<std::string>(
+          name, [=, &value](const std::string& word) { value = Choose(name, word, table, words); },
+          text)
       ->type_name(words);
 }
 

@@ -57,7 +57,8 @@ TEST(Zel, ExplainsItselfOnRequest) {
   const TResult help = Zel({"--help"});
   EXPECT_EQ(0, help.code);
   EXPECT_EQ("", help.err);
-  for (const char* word : {"collect", "plugins", "help", "Exit codes: 0 done"}) {
+  for (const char* word :
+       {"collect", "plugins", "help", "Exit codes: 0 done", "130 interrupted."}) {
     EXPECT_THAT(help.out, HasSubstr(word));
   }
   EXPECT_EQ(help.out, Zel({"help"}).out);
@@ -75,6 +76,20 @@ TEST(Zel, ExplainsItselfOnRequest) {
   EXPECT_THAT(version.out, MatchesRegex("zel [0-9]+\\.[0-9]+\\.[0-9]+\n"));
 }
 
+TEST(Zel, WritesItsManualPages) {
+  const TResult program = Zel({"help", "--man"});
+  EXPECT_EQ(0, program.code);
+  EXPECT_THAT(program.out, StartsWith(".TH ZEL 1 "));
+  EXPECT_THAT(program.out, HasSubstr(".SH NAME\nzel \\- collects a typed inventory"));
+
+  const TResult page = Zel({"help", "--man", "plugins"});
+  EXPECT_EQ(0, page.code);
+  EXPECT_THAT(page.out, StartsWith(".TH ZEL\\-PLUGINS 1 "));
+  EXPECT_THAT(page.out, HasSubstr("\n.TP\n\\fB\\-\\-plugin\\-dir\\fR \\fIDIR\\fR\n"));
+  EXPECT_THAT(page.out, HasSubstr("\nzel plugins \\-\\-plugin\\-dir /opt/acme/plugins\n"));
+  EXPECT_THAT(page.out, HasSubstr("\n.TP\n.B 130\ninterrupted\n"));
+}
+
 TEST(Zel, RefusesWrongArgumentsInOneLine) {
   const std::vector<std::vector<std::string>> rows = {
       {          },
@@ -85,6 +100,8 @@ TEST(Zel, RefusesWrongArgumentsInOneLine) {
       {"collect",   "--log-level", "loud"},
       {    "collect",           "--timeout", "0"},
       {            "help",        "nothing"},
+      {                     "completion"},
+      {        "completion",                 "tcsh"},
   };
   for (const auto& row : rows) {
     const TResult result = Zel(row);
@@ -93,6 +110,13 @@ TEST(Zel, RefusesWrongArgumentsInOneLine) {
     EXPECT_EQ("", result.out);
     EXPECT_THAT(result.err, MatchesRegex("zel: .*'zel .*help.*'.*\n"));
   }
+}
+
+TEST(Zel, NamesTheWordsThatAnOptionTakes) {
+  EXPECT_EQ("zel: --format: 'yaml' is none of json|text; see 'zel --help'\n",
+            Zel({"collect", "--format", "yaml"}).err);
+  EXPECT_EQ("zel: SHELL: 'tcsh' is none of bash|fish|zsh; see 'zel --help'\n",
+            Zel({"completion", "tcsh"}).err);
 }
 
 TEST(Collect, SaysWhichClassThereIsNot) {
