@@ -10,11 +10,14 @@
 #include <cstdint>
 #include <fstream>
 #include <iterator>
+#include <new>
 
 #include "tests/support/LogSpy.h"
 #include "tests/support/Status.h"
 #include "tests/support/TempDir.h"
 #include "zelcore/TCIMClass.h"
+#include "zelcore/TCIMInstance.h"
+#include "zelcore/TCIMReference.h"
 #include "zelcore/TContainer.h"
 
 namespace {
@@ -320,30 +323,96 @@ TEST_F(PopulateContainerFromFile, StopsAtAnEmbeddedNul) {
             ReadStatus(Write("b.xml", document.substr(0, 60) + '\0' + document.substr(60))));
 }
 
+std::string Repeat(const std::string& text, int count) {
+  std::string result;
+  for (int i = 0; i < count; ++i) result += text;
+  return result;
+}
+
 TEST_F(PopulateContainerFromFile, LeavesTheContainerUsableAfterEveryFault) {
   const std::string gzip = Gzip(Schema(Class("A")));
   ASSERT_EQ(0, mkdir(fDir.PathOf("directory.xml").c_str(), 0755));
+  ASSERT_EQ(0, mkfifo(fDir.PathOf("fifo.xml").c_str(), 0644));
+  const std::string knot =
+      "<VALUE.REFERENCE><INSTANCENAME CLASSNAME=\"Knot\"><KEYBINDING "
+      "NAME=\"Next\">";
   const std::string faults[] = {
       fDir.PathOf("missing.xml"),
       fDir.PathOf("directory.xml"),
+      fDir.PathOf("fifo.xml"),
+      "/sys/devices/system/cpu/online",  // shorter than it says, where it is there
+      Write("empty.xml", ""),
       Write("quote.xml", Document("<CLASS NAME=\"" + std::string(1000000, 'x'))),
+      Write("open.xml", "<CIM CIMVERSION=\"" + std::string(1000000, 'x')),
+      Write("cut.xml", Schema(Class("C")).substr(0, 400)),
+      Write("elements.xml", "<?xml?>" + Repeat("<a>", 1000000)),
+      Write("methods.xml",
+            Document("<VALUE.OBJECT><CLASS NAME=\"M\">" + Repeat("<METHOD>", 1000000))),
+      Write("references.xml", Document("<VALUE.OBJECT><INSTANCE CLASSNAME=\"Knot\">"
+                                       "<PROPERTY.REFERENCE NAME=\"Next\">" +
+                                       Repeat(knot, 100000))),
+      Write("duplicate.xml", Document(Class("A"))),
+      Write("unknown.xml", Document(SubClass("C", "Missing"))),
+      Write("keyless.xml", Document("<VALUE.OBJECT><INSTANCE CLASSNAME=\"A\"/></VALUE.OBJECT>")),
       Write("long.gz", WithLength(gzip, 1)),
       Write("large.gz", WithLength(gzip, kMaxDocumentSize + 1)),
       Write("trailer.gz", gzip.substr(0, gzip.size() - 8)),
       Write("members.gz", gzip + gzip),
       Write("magic.gz", "magic"),
+      fDir.WriteGzipFile("bad.xml.gz", Document("<BAD/>")),
   };
+  const std::string association =
+      "<QUALIFIER.DECLARATION NAME=\"ASSOCIATION\" "
+      "TYPE=\"boolean\"><SCOPE/></QUALIFIER.DECLARATION>";
+  const std::string isTrue = "TYPE=\"boolean\"><VALUE>true</VALUE></QUALIFIER>";
   TContainer container;
-  container.PopulateContainerFromFile(Write("base.xml", Schema(Class("A"))));
+  container.PopulateContainerFromFile(Write(
+      "base.xml", Schema(association + Class("A") +
+                         "<VALUE.OBJECT><CLASS NAME=\"Knot\"><QUALIFIER NAME=\"ASSOCIATION\" " +
+                         isTrue + "<PROPERTY.REFERENCE NAME=\"Next\"><QUALIFIER NAME=\"KEY\" " +
+                         isTrue + "</PROPERTY.REFERENCE></CLASS></VALUE.OBJECT>")));
   for (std::size_t i = 0; i < std::size(faults); ++i) {
-    EXPECT_NE("zelStatusOK", StatusOf([&] { container.PopulateContainerFromFile(faults[i]); }))
-        << faults[i];
+    SCOPED_TRACE(faults[i]);
+    RestartLog();
+    EXPECT_NE("zelStatusOK", StatusOf([&] { container.PopulateContainerFromFile(faults[i]); }));
+    EXPECT_FALSE(LogLines(zelLogError).empty());
+
+    // A new class with an instance comes in, and is found.
     const std::string next = "B" + std::to_string(i);
-    const std::string good = Write("good.xml", Document(SubClass(next, "A")));
-    EXPECT_EQ("zelStatusOK", StatusOf([&] { container.PopulateContainerFromFile(good); }))
-        << faults[i];
-    EXPECT_TRUE(container.FindClass(next)) << faults[i];
+    const std::string good = Write(
+        "good.xml", Document(SubClass(next, "A") + "<VALUE.OBJECT><INSTANCE CLASSNAME=\"" + next +
+                             "\"><PROPERTY NAME=\"Id\"><VALUE>x</VALUE></PROPERTY></INSTANCE>"
+                             "</VALUE.OBJECT>"));
+    EXPECT_EQ("zelStatusOK", StatusOf([&] { container.PopulateContainerFromFile(good); }));
+    const TCIMClass* cls = container.FindClass(next);
+    ASSERT_TRUE(cls);
+    ASSERT_EQ(1u, cls->EnumerateInstances(false).size());
+    EXPECT_EQ(next + ".Id=\"x\"", cls->EnumerateInstances(false)[0]->BuildPath().GetPath());
+    EXPECT_EQ(i + 1, container.GetClass("A")->EnumerateInstances(true).size());
   }
+  EXPECT_TRUE(container.GetClass("Knot")->EnumerateInstances(false).empty());
+}
+
+TEST_F(PopulateContainerFromFile, LetsOutWhatIsNoFailureOfTheDocument) {
+#ifdef __SANITIZE_ADDRESS__
+  GTEST_SKIP() << "the address space cannot be limited under AddressSanitizer";
+#endif
+  constexpr std::size_t kSize = 64 << 20;
+  const std::string path = Write(
+      "a.xml", Schema(Class("A") +
+                      "<VALUE.OBJECT><INSTANCE CLASSNAME=\"A\"><PROPERTY "
+                      "NAME=\"Id\"><VALUE>" +
+                      std::string(kSize, 'x') + "</VALUE></PROPERTY></INSTANCE></VALUE.OBJECT>"));
+  std::size_t pages = 0;
+  std::ifstream("/proc/self/statm") >> pages;
+  rlimit former{};
+  getrlimit(RLIMIT_AS, &former);
+  rlimit tight = former;
+  tight.rlim_cur = pages * static_cast<std::size_t>(sysconf(_SC_PAGESIZE)) + kSize * 3 / 2;
+  setrlimit(RLIMIT_AS, &tight);
+  EXPECT_THROW(ReadClasses(path), std::bad_alloc);
+  setrlimit(RLIMIT_AS, &former);
+  EXPECT_THAT(LogLines(), IsEmpty());
 }
 
 TEST_F(PopulateContainerFromFile, FailsForAnAttributeValueThatNeverCloses) {
