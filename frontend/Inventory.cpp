@@ -7,7 +7,6 @@
 
 #include <algorithm>
 #include <cerrno>
-#include <map>
 
 #include "frontend/Descriptor.h"
 #include "frontend/ExitCode.h"
@@ -84,6 +83,9 @@ std::vector<TCIMInstance*> InstancesOf(const TContainer& container, const char* 
   return cls ? cls->EnumerateInstances(false) : std::vector<TCIMInstance*>();
 }
 
+// Whether the plug-in answered.
+bool IsAnswer(const TCIMInstance& status) { return TextOf(status, "Status") == "0"; }
+
 // All of standard input in memory.
 TDescriptor KeepInput() {
   TDescriptor memory(memfd_create("zel-input", MFD_CLOEXEC));
@@ -129,6 +131,17 @@ TInventory TInventory::Collect(const TCollectionOptions& options,
   return inventory;
 }
 
+TInventory TInventory::Collect(const TCollectionOptions& options,
+                               const std::function<bool(const TCIMClass&)>& isWanted) {
+  TInventory inventory(nullptr, std::make_unique<TCollection>(options), "this machine");
+  std::vector<TCIMClass*> classes = inventory.AllClasses();
+  const auto isUnwanted = [&](const TCIMClass* cls) { return !isWanted(*cls); };
+  classes.erase(std::remove_if(classes.begin(), classes.end(), isUnwanted), classes.end());
+  inventory.fCollection->Collect(classes);
+  inventory.FindRun();
+  return inventory;
+}
+
 TInventory TInventory::Read(const std::string& path) {
   StartLog("", zelLogStatus);
   auto container = std::make_unique<TContainer>();
@@ -157,6 +170,15 @@ void TInventory::FindRun() {
   if (!runs.empty()) fRun = runs.front();
   for (const TCIMInstance* status : InstancesOf(*fContainer, kStatusClass)) {
     fStatuses.push_back(status);
+    const TCIMProperty* asked = status->FindProperty("Classes");
+    if (!asked || !asked->IsArray() || asked->GetValue().IsNull()) continue;
+    const TCIMValue value = asked->GetValue();
+    const std::vector<TCIMValue>& names = value;
+    for (const TCIMValue& name : names) {
+      if (name.IsNull()) continue;
+      const TCIMInstance*& known = fStatusOf[Folded(name.ToString(10))];
+      if (!known || IsAnswer(*status)) known = status;
+    }
   }
 }
 
@@ -191,19 +213,18 @@ std::vector<TCIMClass*> TInventory::Resolve(const std::vector<std::string>& name
 bool TInventory::IsPartial() const { return fRun && FlagOf(*fRun, "IsPartial"); }
 bool TInventory::IsRedacted() const { return fRun && FlagOf(*fRun, "IsRedacted"); }
 
+const TCIMInstance* TInventory::FindStatus(const TCIMClass& cls) const {
+  const auto found = fStatusOf.find(Folded(cls.GetName()));
+  return found == fStatusOf.end() ? nullptr : found->second;
+}
+
 bool TInventory::WasCollected(const TCIMClass& cls) const {
   const TCIMClass* own = FindClass(*fContainer, cls.GetName());
   if (!own) return false;
-  if (fStatuses.empty()) return true;
-  return std::any_of(fStatuses.begin(), fStatuses.end(), [&](const TCIMInstance* status) {
-    const TCIMProperty* asked = status->FindProperty("Classes");
-    if (!asked || asked->GetValue().IsNull() || TextOf(*status, "Status") != "0") return false;
-    const TCIMValue value = asked->GetValue();
-    const std::vector<TCIMValue>& names = value;
-    return std::any_of(names.begin(), names.end(), [&](const TCIMValue& name) {
-      return Folded(name.ToString(10)) == Folded(cls.GetName());
-    });
-  });
+  const std::string& name = own->GetName();
+  if (fStatuses.empty() || name == kRunClass || name == kStatusClass) return true;
+  const TCIMInstance* status = FindStatus(cls);
+  return status && IsAnswer(*status);
 }
 
 std::string TextOf(const TCIMInstance& instance, const char* property,

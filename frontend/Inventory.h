@@ -1,5 +1,7 @@
 #pragma once
 
+#include <functional>
+#include <map>
 #include <memory>
 #include <string>
 #include <vector>
@@ -31,6 +33,10 @@ class TInventory {
   static TInventory Collect(const TCollectionOptions& options,
                             const std::vector<std::string>& names = {});
 
+  // Collects those of all classes that are wanted. Throws TCommandError.
+  static TInventory Collect(const TCollectionOptions& options,
+                            const std::function<bool(const TCIMClass&)>& isWanted);
+
   // Reads a saved collection, "-" from standard input. Throws TCommandError (kExitBadInput) that
   // names the file, the reason, and the line of an error in the document.
   static TInventory Read(const std::string& path);
@@ -56,8 +62,11 @@ class TInventory {
   bool IsPartial() const;
   bool IsRedacted() const;
 
+  // The outcome of the plug-in that was asked for the class; null when none was or nobody knows.
+  const TCIMInstance* FindStatus(const TCIMClass& cls) const;
+
   // Whether the class was asked for and its plug-in answered; when the document does not say,
-  // whether the class is there at all.
+  // whether the class is there at all. What tells about the collection itself always was.
   bool WasCollected(const TCIMClass& cls) const;
 
  private:
@@ -72,6 +81,7 @@ class TInventory {
   std::vector<TSection> fSections;
   const TCIMInstance* fRun = nullptr;
   std::vector<const TCIMInstance*> fStatuses;
+  std::map<std::string, const TCIMInstance*> fStatusOf;  // by lower-case class name
 };
 
 // The property's value, `otherwise` when there is none or it is NULL.

@@ -36,13 +36,13 @@ std::string Trimmed(std::string text) {
   return text;
 }
 
+}  // namespace
+
 bool IsTrue(const TCIMQualifier* qualifier) {
   if (!qualifier || qualifier->GetType() != TType::TypeBoolean) return false;
   const TCIMValue value = qualifier->GetValue();
   return !value.IsNull() && bool(value);
 }
-
-}  // namespace
 
 std::string Printable(const std::string& text) {
   std::string shown;
@@ -104,17 +104,30 @@ std::string MissingText(const TCIMProperty& property) {
   return needsRoot && !TOSSpecific::IsAdmin() ? kNeedsRoot : kNotAvailable;
 }
 
-std::string PropertyText(const TCIMProperty& property) {
-  const TCIMValue value = property.GetValue();
+namespace {
+
+// `value` as the property shows it by `toText`.
+std::string ShownText(const TCIMProperty& property, const TCIMValue& value,
+                      std::string (TCIMProperty::*toText)() const) {
   if (value.IsNull()) return MissingText(property);
   // What has neither unit nor value map is shown our own way: datetimes in ISO 8601.
   const bool isPlain = value.GetType() == TType::TypeDateTime || value.IsArray();
   if (isPlain) return ValueText(value);
   try {
-    return Trimmed(Printable(property.ToString()));
+    return Trimmed(Printable((property.*toText)()));
   } catch (const TZELException&) {
     return ValueText(value);  // qualifiers that do not fit the type
   }
+}
+
+}  // namespace
+
+std::string PropertyText(const TCIMProperty& property) {
+  return ShownText(property, property.GetValue(), &TCIMProperty::ToString);
+}
+
+std::string PrevPropertyText(const TCIMProperty& property) {
+  return ShownText(property, property.GetPrevValue(), &TCIMProperty::PrevToString);
 }
 
 nlohmann::ordered_json ValueJson(const TCIMValue& value) {

@@ -5,6 +5,7 @@
 
 class TCIMDateTime;
 class TCIMProperty;
+class TCIMQualifier;
 class TCIMValue;
 
 namespace zel {
@@ -12,6 +13,9 @@ namespace zel {
 // A value as people read it: arrays joined by ", ", datetimes in ISO 8601, control characters shown
 // escaped. `value` must not be NULL.
 std::string ValueText(const TCIMValue& value);
+
+// Whether the qualifier is there, boolean and true.
+bool IsTrue(const TCIMQualifier* qualifier);
 
 // "16 GiB", "1.5 MiB", "512 B".
 std::string BytesText(unsigned long bytes);
@@ -26,6 +30,8 @@ std::string MissingText(const TCIMProperty& property);
 // The value as its declaration says it is to be shown, with units and value map, or why it is
 // missing.
 std::string PropertyText(const TCIMProperty& property);
+// The same of its previous value.
+std::string PrevPropertyText(const TCIMProperty& property);
 
 // A value as JSON: numbers and booleans as such, uint64 and sint64 beyond 2^53 as text, datetimes
 // in ISO 8601, references as their path, arrays as arrays, NULL as null.
