@@ -188,6 +188,14 @@ TEST_F(TCIMReferenceTest, IsCopiedDeeplyAndMovedCheaply) {
   EXPECT_EQ(moved, assigned);
 }
 
+TEST_F(TCIMReferenceTest, IsNotToBeAskedAfterItWasMovedAway) {
+  TCIMReference path = Path();
+  const TCIMReference taken(std::move(path));
+  EXPECT_DEATH(path.GetPath(), "px != 0");
+  EXPECT_DEATH(path.Clear(), "px != 0");
+  EXPECT_DEATH(TCIMReference{path}, "px != 0");
+}
+
 TEST_F(TCIMReferenceTest, ResolvesToTheClassOrTheInstance) {
   EXPECT_EQ(&fFoo, Path().GetCIMElement());
   ExpectFailure("zelStatusNotFound", "", [&] { Path(7, "abc").GetCIMElement(); });
