@@ -65,20 +65,20 @@ std::string Moment(const TCIMProperty& property) {
 
 class TSummary {
  public:
-  TSummary(const TInventory& inventory, std::ostream& out)
-      : fInventory(inventory), fContainer(inventory.GetContainer()), fOut(out) {}
-
-  void Print() {
+  explicit TSummary(const TInventory& inventory) : fContainer(inventory.GetContainer()) {
     System();
     OperatingSystem();
     Processors();
     Memory();
-    Outcome();
   }
 
+  std::vector<TFactGroup> TakeGroups() { return std::move(fGroups); }
+
  private:
+  void Heading(const char* heading) { fGroups.push_back({heading, {}}); }
+
   void Row(const char* label, const std::string& text) {
-    fOut << fmt::format("  {:<22}  {}\n", label, text);
+    fGroups.back().facts.push_back({label, text});
   }
 
   // The fact of the first instance of a class.
@@ -91,7 +91,7 @@ class TSummary {
     constexpr const char* kSystem = "KVRSG_ComputerSystem";
     const std::string maker = FactOf(kSystem, "Manufacturer");
     const std::string product = FactOf(kSystem, "ProductName");
-    fOut << "System\n";
+    Heading("System");
     Row("Name", FactOf(kSystem, "Name"));
     Row("Product", maker == kNotAvailable ? product : fmt::format("{} {}", maker, product));
     Row("Serial number", FactOf(kSystem, "SerialNumber"));
@@ -113,7 +113,7 @@ class TSummary {
 
   void OperatingSystem() {
     constexpr const char* kSystem = "KVRSG_OperatingSystem";
-    fOut << "Operating system\n";
+    Heading("Operating system");
     Row("Name", FactOf(kSystem, "Name"));
     Row("Version", FactOf(kSystem, "Version"));
     Row("Kernel", FactOf(kSystem, "KernelRelease"));
@@ -122,7 +122,7 @@ class TSummary {
   }
 
   void Processors() {
-    fOut << "Processors\n";
+    Heading("Processors");
     const TInstances processors = InstancesOf(fContainer, "KVRSG_Processor");
     std::set<std::string> models;
     unsigned long cores = 0;
@@ -159,7 +159,7 @@ class TSummary {
 
   void Memory() {
     constexpr const char* kMemory = "KVRSG_Memory";
-    fOut << "Memory\n";
+    Heading("Memory");
     Row("Total", FactOf(kMemory, "TotalSize", Bytes));
     Row("Available", FactOf(kMemory, "AvailableSize", Bytes));
     Row("Swap", FactOf(kMemory, "SwapTotalSize", Bytes));
@@ -184,41 +184,51 @@ class TSummary {
     return fmt::format("{}{} of {}", text, used, Counted(slots.size(), "slot"));
   }
 
-  void Outcome() {
-    for (const TCIMInstance* product : InstancesOf(fContainer, "KVRSG_VNTProduct")) {
-      fOut << fmt::format("Collected by {} {}\n", Fact(*product, "Name", PropertyText),
-                          Fact(*product, "Version", PropertyText));
-    }
-    const TCIMInstance* run = fInventory.GetRun();
-    if (!run) return;
-    std::size_t answered = 0;
-    std::size_t classes = 0;
-    std::size_t instances = 0;
-    for (const TCIMInstance* status : fInventory.GetStatuses()) {
-      answered += TextOf(*status, "Message").empty();
-    }
-    for (const TSection& section : fInventory.GetSections()) {
-      if (section.name == kCollectionSection) continue;
-      for (const TCIMClass* cls : section.classes) {
-        const std::size_t count = cls->EnumerateInstances(false).size();
-        classes += count != 0;
-        instances += count;
-      }
-    }
-    fOut << fmt::format("\n{}, {}, {} in {} ms\n", Counted(answered, "plug-in"),
-                        classes == 1 ? "1 class" : fmt::format("{} classes", classes),
-                        Counted(instances, "instance"), TextOf(*run, "Duration"));
-  }
-
-  const TInventory& fInventory;
   const TContainer& fContainer;
-  std::ostream& fOut;
+  std::vector<TFactGroup> fGroups;
 };
+
+// By whom, of how much, and how long it took.
+void PrintOutcome(const TInventory& inventory, std::ostream& out) {
+  for (const TCIMInstance* product : InstancesOf(inventory.GetContainer(), "KVRSG_VNTProduct")) {
+    out << fmt::format("Collected by {} {}\n", Fact(*product, "Name", PropertyText),
+                       Fact(*product, "Version", PropertyText));
+  }
+  const TCIMInstance* run = inventory.GetRun();
+  if (!run) return;
+  std::size_t answered = 0;
+  std::size_t classes = 0;
+  std::size_t instances = 0;
+  for (const TCIMInstance* status : inventory.GetStatuses()) {
+    answered += TextOf(*status, "Message").empty();
+  }
+  for (const TSection& section : inventory.GetSections()) {
+    if (section.name == kCollectionSection) continue;
+    for (const TCIMClass* cls : section.classes) {
+      const std::size_t count = cls->EnumerateInstances(false).size();
+      classes += count != 0;
+      instances += count;
+    }
+  }
+  out << fmt::format("\n{}, {}, {} in {} ms\n", Counted(answered, "plug-in"),
+                     classes == 1 ? "1 class" : fmt::format("{} classes", classes),
+                     Counted(instances, "instance"), TextOf(*run, "Duration"));
+}
 
 }  // namespace
 
+std::vector<TFactGroup> FactsOf(const TInventory& inventory) {
+  return TSummary(inventory).TakeGroups();
+}
+
 void PrintSummary(const TInventory& inventory, std::ostream& out) {
-  TSummary(inventory, out).Print();
+  for (const TFactGroup& group : FactsOf(inventory)) {
+    out << group.heading << "\n";
+    for (const TFact& fact : group.facts) {
+      out << fmt::format("  {:<22}  {}\n", fact.label, fact.text);
+    }
+  }
+  PrintOutcome(inventory, out);
 }
 
 }  // namespace zel

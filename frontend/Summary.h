@@ -1,13 +1,27 @@
 #pragma once
 
 #include <ostream>
+#include <string>
+#include <vector>
 
 namespace zel {
 
 class TInventory;
 
-// One screen about the machine, read from the instances that were collected. A fact that is missing
-// is said to be missing, and why.
+struct TFact {
+  std::string label;
+  std::string text;  // for people, also where it says that the fact is missing
+};
+
+struct TFactGroup {
+  std::string heading;
+  std::vector<TFact> facts;
+};
+
+// The machine in a few facts.
+std::vector<TFactGroup> FactsOf(const TInventory& inventory);
+
+// The machine on one screen, and how much was collected.
 void PrintSummary(const TInventory& inventory, std::ostream& out);
 
 }  // namespace zel
