@@ -17,8 +17,9 @@ constexpr int kStartingSeconds = 20;
   dup2(output, STDOUT_FILENO);
   dup2(output, STDERR_FILENO);
   if (chdir(directory.c_str()) != 0) _exit(1);  // it wants one that exists
-  execl("/usr/bin/python3", "python3", "-m", "pyftpdlib", "-i", "127.0.0.1", "-p", "0", "-w", "-d",
-        directory.c_str(), nullptr);
+  // By its path: Python looks for its modules from where it is called.
+  execl("/usr/bin/python3", "/usr/bin/python3", "-m", "pyftpdlib", "-i", "127.0.0.1", "-p", "0",
+        "-w", "-d", directory.c_str(), nullptr);
   _exit(1);
 }
 
