@@ -2,12 +2,13 @@
 
 #include <dlfcn.h>
 
+#include <filesystem>
+
 #include "zelcore/TOSSpecific.h"
 #include "zelcore/detail/Fail.h"
 
 using zelcore::detail::Fail;
 using zelcore::detail::LogCore;
-using zelcore::detail::Text;
 
 namespace {
 
@@ -21,6 +22,12 @@ std::vector<std::string> ListPluginDir(const std::string& path) {
     LogCore(zelLogWarning, "Could not read plug-in directory " + path);
     return {};
   }
+}
+
+// The loader would wait for ever for somebody to write to a FIFO.
+bool IsSpecialFile(const std::string& path) {
+  std::error_code failure;
+  return std::filesystem::is_other(path, failure);
 }
 
 }  // namespace
@@ -40,10 +47,15 @@ std::vector<std::string> TOSSpecific::FindPlugins(const std::string& directory) 
 }
 
 void TOSSpecific::LoadPluginLibrary(const std::string& path) {
-  if (dlopen(path.c_str(), RTLD_NOW | RTLD_GLOBAL)) return;
-  const char* reason = dlerror();
-  Fail(zelStatusFileSystemError,
-       Text("ERROR: Failed to load plugin.  Reason: ", reason ? reason : ""));
+  std::string reason;
+  if (IsSpecialFile(path)) {
+    reason = path + ": not a regular file";
+  } else {
+    if (dlopen(path.c_str(), RTLD_NOW | RTLD_GLOBAL)) return;
+    const char* error = dlerror();
+    if (error) reason = error;
+  }
+  Fail(zelStatusFileSystemError, "ERROR: Failed to load plugin.  Reason: " + reason);
 }
 
 std::string TOSSpecific::BuildSpecificationPath(const std::string& pluginPath) {

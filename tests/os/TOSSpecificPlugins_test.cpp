@@ -2,6 +2,7 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 #include <sys/stat.h>
+#include <unistd.h>
 
 #include <filesystem>
 
@@ -127,4 +128,19 @@ TEST(LoadPluginLibrary, LogsTheLoadersReason) {
     EXPECT_THAT(LogLines(zelLogError),
                 ElementsAre(std::string("ERROR: Failed to load plugin.  Reason: ") + dlerror()));
   }
+}
+
+TEST(LoadPluginLibrary, DoesNotWaitForWhatIsNoFile) {
+  const TempDir dir;
+  const std::string fifo = dir.PathOf("libfifo.pi.so");
+  ASSERT_EQ(0, mkfifo(fifo.c_str(), 0644));
+  alarm(30);
+  for (const std::string& path : {fifo, std::string("/dev/null")}) {
+    ClearLog();
+    EXPECT_EQ("zelStatusFileSystemError", StatusOf([&] { TOSSpecific::LoadPluginLibrary(path); }));
+    EXPECT_THAT(
+        LogLines(zelLogError),
+        ElementsAre("ERROR: Failed to load plugin.  Reason: " + path + ": not a regular file"));
+  }
+  alarm(0);
 }
