@@ -253,6 +253,14 @@ TEST(PluginManager, SearchesByTheExactName) {
   EXPECT_EQ(paper, PluginDir::Manager().SearchForPluginByName("paper"));
 }
 
+TEST(PluginManager, ReadsNoDocumentForAPluginThatIsGone) {
+  const PluginDir plugins;
+  auto& paper = static_cast<TPluginManager::TPlugin&>(plugins.Load("paper"));
+  paper.GetCallbacks()->PrepareForUnload();
+  EXPECT_EQ("zelStatusInvalidPlugin", StatusOf([&] { paper.LoadSpecificationDocument(); }));
+  EXPECT_EQ(Lines{"Paper_Thing"}, NamesOf(paper.GetClassesCollected()));
+}
+
 TEST(PluginManager, SeesTheNameThatAPluginHasNow) {
   const PluginDir plugins;
   IPlugin& fickle = plugins.Load("fickle");

@@ -96,6 +96,42 @@ TEST(SampleDocument, EndsWithAStatusWhateverByteIsWrong) {
   EXPECT_EQ("zelStatusOK", Read(container, document));
 }
 
+TEST(SampleDocument, EndsWithAStatusWhateverIsMissing) {
+  const std::string document = ReadFile(kSample);
+  // Without one attribute, without its value, without one element's tags.
+  std::vector<std::string> broken;
+  for (std::size_t at = document.find("=\""); at != std::string::npos;
+       at = document.find("=\"", at + 1)) {
+    const std::size_t start = document.rfind(' ', at);
+    const std::size_t end = document.find('"', at + 2);
+    broken.push_back(document.substr(0, start) + document.substr(end + 1));
+    broken.push_back(document.substr(0, at + 2) + document.substr(end));
+  }
+  for (std::size_t at = document.find("<CIM"); at != std::string::npos;
+       at = document.find('<', at + 1)) {
+    const std::size_t end = document.find('>', at);
+    broken.push_back(document.substr(0, at) + document.substr(end + 1));
+    broken.push_back(document.substr(0, at));
+    if (end + 2 < document.size()) broken.back() += document.substr(document.find('<', end));
+  }
+  for (const std::string& text : broken) {
+    TContainer container;
+    Read(container, text);
+    // Whatever came in stays whole: it can be walked and shown.
+    for (TCIMClass* cls : container.GetRootClass()->EnumerateSubClasses(true)) {
+      for (const TCIMInstance* instance : cls->EnumerateInstances(false)) {
+        EXPECT_FALSE(instance->BuildPath().GetPath().empty());
+        for (const TCIMProperty* property : instance->EnumerateProperties()) {
+          StatusOf([&] { property->ToString(); });
+        }
+        StatusOf([&] { instance->Associators("", "", "", ""); });
+      }
+    }
+    RestartLog();
+  }
+  EXPECT_LT(300U, broken.size());
+}
+
 TEST(SampleDocument, EndsWithAStatusWhateverElementsStandWhere) {
   // The elements of the document in any order and depth.
   const std::string document = ReadFile(kSample);
