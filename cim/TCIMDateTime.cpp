@@ -5,6 +5,14 @@
 #include "cim/TCIMDateTimeImpl.h"
 #include "zelcore/detail/Fail.h"
 
+namespace {
+
+void Require(bool isSet) {
+  if (!isSet) zelcore::detail::Fail(zelStatusInvalidDateTime);
+}
+
+}  // namespace
+
 TCIMDateTime::TCIMDateTime() : fBody(boost::make_shared<TCIMDateTimeImpl>()) {}
 
 TCIMDateTime::TCIMDateTime(unsigned short year, unsigned short month, unsigned int day,
@@ -22,6 +30,8 @@ TCIMDateTime::TCIMDateTime(unsigned int days, unsigned short hours, unsigned sho
 
 TCIMDateTime::TCIMDateTime(const std::string& text) : TCIMDateTime() { Set(text); }
 
+TCIMDateTime::TCIMDateTime(const boost::shared_ptr<TCIMDateTimeImpl>& body) : fBody(body) {}
+
 TCIMDateTime::TCIMDateTime(const TCIMDateTime& other)
     : fBody(boost::make_shared<TCIMDateTimeImpl>(*other.fBody)) {}
 
@@ -35,15 +45,15 @@ TCIMDateTime::~TCIMDateTime() = default;
 void TCIMDateTime::Set(unsigned short year, unsigned short month, unsigned int day,
                        unsigned short hour, unsigned short minute, unsigned short second,
                        unsigned int microSeconds, short utcOffset) {
-  fBody->Set(year, month, day, hour, minute, second, microSeconds, utcOffset);
+  Require(fBody->TrySet(year, month, day, hour, minute, second, microSeconds, utcOffset));
 }
 
 void TCIMDateTime::Set(unsigned int days, unsigned short hours, unsigned short minutes,
                        unsigned short seconds, unsigned int microSeconds) {
-  fBody->Set(days, hours, minutes, seconds, microSeconds);
+  Require(fBody->TrySet(days, hours, minutes, seconds, microSeconds));
 }
 
-void TCIMDateTime::Set(const std::string& text) { fBody->Set(text); }
+void TCIMDateTime::Set(const std::string& text) { Require(fBody->TrySet(text)); }
 
 unsigned short TCIMDateTime::GetYear() const { return fBody->GetYear(); }
 unsigned short TCIMDateTime::GetMonth() const { return fBody->GetMonth(); }

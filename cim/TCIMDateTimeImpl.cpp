@@ -1,5 +1,6 @@
 #include "cim/TCIMDateTimeImpl.h"
 
+#include <boost/make_shared.hpp>
 #include <charconv>
 #include <cstdlib>
 #include <functional>
@@ -114,16 +115,20 @@ class TPrinter {
 }  // namespace
 
 TCIMDateTimeImpl::TCIMDateTimeImpl(const TCIMDateTimeImpl& other)
-    : fIsNull(other.fIsNull),
+    : fDay(other.fDay),
+      fMicroSeconds(other.fMicroSeconds),
       fYear(other.fYear),
       fMonth(other.fMonth),
-      fDay(other.fDay),
       fHour(other.fHour),
       fMinute(other.fMinute),
       fSecond(other.fSecond),
-      fMicroSeconds(other.fMicroSeconds),
       fUTCOffset(other.fUTCOffset),
+      fIsNull(other.fIsNull),
       fIsInterval(other.fIsInterval) {}
+
+TCIMDateTimeImpl::operator TCIMDateTime() const {
+  return TCIMDateTime(boost::make_shared<TCIMDateTimeImpl>(*this));
+}
 
 // mktime() refuses fields only by its -1, which is also its answer for the second before the epoch.
 // It is slow, and asked only where that second can be: fields of two digits reach forward less than
@@ -143,12 +148,10 @@ bool TCIMDateTimeImpl::IsValid(unsigned int, unsigned short hours, unsigned shor
   return hours <= 23 && minutes <= 59 && seconds <= 59 && microSeconds < kMicro;
 }
 
-void TCIMDateTimeImpl::Set(unsigned short year, unsigned short month, unsigned int day,
-                           unsigned short hour, unsigned short minute, unsigned short second,
-                           unsigned int microSeconds, short utcOffset) {
-  if (!IsValid(year, month, day, hour, minute, second, microSeconds, utcOffset)) {
-    Fail(zelStatusInvalidDateTime);
-  }
+bool TCIMDateTimeImpl::TrySet(unsigned short year, unsigned short month, unsigned int day,
+                              unsigned short hour, unsigned short minute, unsigned short second,
+                              unsigned int microSeconds, short utcOffset) {
+  if (!IsValid(year, month, day, hour, minute, second, microSeconds, utcOffset)) return false;
   fYear = year;
   fMonth = month;
   fDay = day;
@@ -159,11 +162,12 @@ void TCIMDateTimeImpl::Set(unsigned short year, unsigned short month, unsigned i
   fUTCOffset = utcOffset;
   fIsNull = false;
   fIsInterval = false;
+  return true;
 }
 
-void TCIMDateTimeImpl::Set(unsigned int days, unsigned short hours, unsigned short minutes,
-                           unsigned short seconds, unsigned int microSeconds) {
-  if (!IsValid(days, hours, minutes, seconds, microSeconds)) Fail(zelStatusInvalidDateTime);
+bool TCIMDateTimeImpl::TrySet(unsigned int days, unsigned short hours, unsigned short minutes,
+                              unsigned short seconds, unsigned int microSeconds) {
+  if (!IsValid(days, hours, minutes, seconds, microSeconds)) return false;
   fDay = days;
   fHour = hours;
   fMinute = minutes;
@@ -171,28 +175,26 @@ void TCIMDateTimeImpl::Set(unsigned int days, unsigned short hours, unsigned sho
   fMicroSeconds = microSeconds;
   fIsNull = false;
   fIsInterval = true;
+  return true;
 }
 
-void TCIMDateTimeImpl::Set(const std::string& text) {
-  if (!HasForm(text)) Fail(zelStatusInvalidDateTime);
-  const std::string_view digits = text;
+bool TCIMDateTimeImpl::TrySet(std::string_view digits) {
+  if (!HasForm(digits)) return false;
   const unsigned short hour = ShortNumber(digits.substr(8, 2));
   const unsigned short minute = ShortNumber(digits.substr(10, 2));
   const unsigned short second = ShortNumber(digits.substr(12, 2));
   const unsigned int microSeconds = Number(digits.substr(15, 6));
   const short suffix = static_cast<short>(Number(digits.substr(22, 3)));
-  const char kind = text[21];
+  const char kind = digits[21];
 
   if (kind == ':' && suffix == 0) {
     // sic: days of a text are cut to 16 bits.
-    Set(ShortNumber(digits.substr(0, 8)), hour, minute, second, microSeconds);
-  } else if (kind == '+' || kind == '-') {
-    Set(ShortNumber(digits.substr(0, 4)), ShortNumber(digits.substr(4, 2)),
-        Number(digits.substr(6, 2)), hour, minute, second, microSeconds,
-        static_cast<short>(kind == '-' ? -suffix : suffix));
-  } else {
-    Fail(zelStatusInvalidDateTime);
+    return TrySet(ShortNumber(digits.substr(0, 8)), hour, minute, second, microSeconds);
   }
+  if (kind != '+' && kind != '-') return false;
+  return TrySet(ShortNumber(digits.substr(0, 4)), ShortNumber(digits.substr(4, 2)),
+                Number(digits.substr(6, 2)), hour, minute, second, microSeconds,
+                static_cast<short>(kind == '-' ? -suffix : suffix));
 }
 
 std::string TCIMDateTimeImpl::ToString() const {

@@ -2,6 +2,7 @@
 
 #include <ctime>
 #include <string>
+#include <string_view>
 
 #include "zelcore/TCIMDateTime.h"
 #include "zelcore/detail/Export.h"
@@ -14,6 +15,9 @@ class ZEL_API TCIMDateTimeImpl {
   TCIMDateTimeImpl(const TCIMDateTimeImpl& other);
   TCIMDateTimeImpl& operator=(const TCIMDateTimeImpl&) = delete;
 
+  // A handle of a copy.
+  explicit operator TCIMDateTime() const;
+
   // Whether mktime() accepts the fields of a point in time, and nothing more: it normalises most.
   static bool IsValid(unsigned short year, unsigned short month, unsigned int day,
                       unsigned short hour, unsigned short minute, unsigned short second,
@@ -22,12 +26,13 @@ class ZEL_API TCIMDateTimeImpl {
   static bool IsValid(unsigned int days, unsigned short hours, unsigned short minutes,
                       unsigned short seconds, unsigned int microSeconds);
 
-  void Set(unsigned short year, unsigned short month, unsigned int day, unsigned short hour,
-           unsigned short minute, unsigned short second, unsigned int microSeconds,
-           short utcOffset);
-  void Set(unsigned int days, unsigned short hours, unsigned short minutes, unsigned short seconds,
-           unsigned int microSeconds);
-  void Set(const std::string& text);
+  // Each returns false, with nothing changed, where the handle's Set() throws.
+  bool TrySet(unsigned short year, unsigned short month, unsigned int day, unsigned short hour,
+              unsigned short minute, unsigned short second, unsigned int microSeconds,
+              short utcOffset);
+  bool TrySet(unsigned int days, unsigned short hours, unsigned short minutes,
+              unsigned short seconds, unsigned int microSeconds);
+  bool TrySet(std::string_view text);
 
   unsigned short GetYear() const { return fYear; }
   unsigned short GetMonth() const { return fMonth; }
@@ -64,15 +69,16 @@ class ZEL_API TCIMDateTimeImpl {
   template <class TDecide>
   bool Compare(const TCIMDateTimeImpl& other, TDecide decide) const;
 
-  bool fIsNull = true;
+  // Values hold millions of them: without gaps.
+  unsigned int fDay = 0;
+  unsigned int fMicroSeconds = 0;
   unsigned short fYear = 0;
   unsigned short fMonth = 0;
-  unsigned int fDay = 0;
   unsigned short fHour = 0;
   unsigned short fMinute = 0;
   unsigned short fSecond = 0;
-  unsigned int fMicroSeconds = 0;
   short fUTCOffset = 0;
+  bool fIsNull = true;
   bool fIsInterval = false;
   bool fPrecision = false;
 };

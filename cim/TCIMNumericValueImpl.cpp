@@ -50,8 +50,8 @@ bool ReadPlain(std::string_view text, T& value) {
 }
 
 template <class T>
-T ReadStream(const std::string& text) {
-  std::istringstream in(text);
+T ReadStream(std::string_view text) {
+  std::istringstream in{std::string(text)};
   in.imbue(std::locale::classic());
   in.unsetf(std::ios::basefield);
   in.setf(std::ios::boolalpha);
@@ -92,23 +92,23 @@ std::string Print(T value, unsigned char base) {
 namespace zelcore::detail {
 
 template <class T>
-T ParseNumber(const std::string& text) {
+T ParseNumber(std::string_view text) {
   TRead<T> value{};
   if (!ReadPlain(text, value)) value = ReadStream<TRead<T>>(text);
   return static_cast<T>(value);
 }
 
-template ZEL_API bool ParseNumber(const std::string&);
-template ZEL_API unsigned char ParseNumber(const std::string&);
-template ZEL_API signed char ParseNumber(const std::string&);
-template ZEL_API unsigned short ParseNumber(const std::string&);
-template ZEL_API short ParseNumber(const std::string&);
-template ZEL_API unsigned int ParseNumber(const std::string&);
-template ZEL_API int ParseNumber(const std::string&);
-template ZEL_API unsigned long ParseNumber(const std::string&);
-template ZEL_API long ParseNumber(const std::string&);
-template ZEL_API float ParseNumber(const std::string&);
-template ZEL_API double ParseNumber(const std::string&);
+template ZEL_API bool ParseNumber(std::string_view);
+template ZEL_API unsigned char ParseNumber(std::string_view);
+template ZEL_API signed char ParseNumber(std::string_view);
+template ZEL_API unsigned short ParseNumber(std::string_view);
+template ZEL_API short ParseNumber(std::string_view);
+template ZEL_API unsigned int ParseNumber(std::string_view);
+template ZEL_API int ParseNumber(std::string_view);
+template ZEL_API unsigned long ParseNumber(std::string_view);
+template ZEL_API long ParseNumber(std::string_view);
+template ZEL_API float ParseNumber(std::string_view);
+template ZEL_API double ParseNumber(std::string_view);
 
 }  // namespace zelcore::detail
 

@@ -2,6 +2,7 @@
 
 #include <cstring>
 #include <string>
+#include <string_view>
 #include <type_traits>
 
 #include "cim/TCIMValueImpl.h"
@@ -53,7 +54,7 @@ constexpr TCIMValue::TCIMType::ECIMType NumericCode() {
 // text that is no number gives 0. Booleans are "true" and "false". The 8-bit types are read as
 // 32-bit ones and cut.
 template <class T>
-T ParseNumber(const std::string& text);
+T ParseNumber(std::string_view text);
 
 }  // namespace zelcore::detail
 
@@ -94,6 +95,6 @@ class ZEL_API TCIMNumericValueImpl final : public TCIMValueImpl {
   template <class TCompare>
   bool Compare(const TCIMValue& other, TCompare compare) const;
 
-  TCIMType fType;
   alignas(8) unsigned char fNative[8];  // the native value, in its own width
+  TCIMType fType;
 };

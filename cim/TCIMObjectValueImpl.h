@@ -3,14 +3,16 @@
 #include <string>
 #include <utility>
 
+#include "cim/TCIMDateTimeImpl.h"
 #include "cim/TCIMValueImpl.h"
+#include "cim/TShortText.h"
 #include "zelcore/TCIMDateTime.h"
 #include "zelcore/TCIMReference.h"
 #include "zelcore/detail/Export.h"
 
-// What the variants that hold one object of class T have in common: they convert to T alone and
-// compare as T does.
-template <class T, TCIMValue::TCIMType::ECIMType kType>
+// What the variants that hold one object have in common: they convert to T alone and compare as the
+// TStored does that they keep of it.
+template <class T, TCIMValue::TCIMType::ECIMType kType, class TStored = T>
 class TCIMObjectValueImpl : public TCIMValueImpl {
  public:
   template <class... TArgs>
@@ -18,7 +20,7 @@ class TCIMObjectValueImpl : public TCIMValueImpl {
       : fValue(std::forward<TArgs>(args)...) {}
 
   // NOLINTNEXTLINE(google-explicit-constructor): converts as the value does
-  operator T() const override { return fValue; }
+  operator T() const override { return static_cast<T>(fValue); }
 
   bool operator==(const TCIMValue& other) const override {
     return other.GetType() == kType && fValue == ValueOf(other);
@@ -29,25 +31,28 @@ class TCIMObjectValueImpl : public TCIMValueImpl {
 
   // What `value`, of this variant's type, holds, to be read without a copy. Throws
   // zelStatusValueIsNULL.
-  static const T& ValueOf(const TCIMValue& value) {
+  static const TStored& ValueOf(const TCIMValue& value) {
     return static_cast<const TCIMObjectValueImpl&>(VariantOf(value)).fValue;
   }
 
  protected:
-  const T fValue;
+  TStored fValue;
 };
 
 class ZEL_API TCIMStringValueImpl final
-    : public TCIMObjectValueImpl<std::string, TCIMValue::TCIMType::TypeString> {
+    : public TCIMObjectValueImpl<std::string, TCIMValue::TCIMType::TypeString, TShortText> {
  public:
   using TCIMObjectValueImpl::TCIMObjectValueImpl;
-  std::string ToString(unsigned char) const override { return fValue; }
+  std::string ToString(unsigned char) const override { return std::string(fValue); }
 };
 
 class ZEL_API TCIMDateTimeValueImpl final
-    : public TCIMObjectValueImpl<TCIMDateTime, TCIMValue::TCIMType::TypeDateTime> {
+    : public TCIMObjectValueImpl<TCIMDateTime, TCIMValue::TCIMType::TypeDateTime,
+                                 TCIMDateTimeImpl> {
  public:
   using TCIMObjectValueImpl::TCIMObjectValueImpl;
+  TCIMDateTimeValueImpl(std::in_place_t, const TCIMDateTime& value)
+      : TCIMObjectValueImpl(std::in_place, *value.GetBody()) {}
   std::string ToString(unsigned char) const override { return fValue.ToString(); }
 };
 

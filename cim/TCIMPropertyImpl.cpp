@@ -13,7 +13,7 @@ using zelcore::detail::Text;
 using zelcore::detail::TypeText;
 
 // Documents hold millions of them.
-static_assert(sizeof(TCIMPropertyImpl) <= 56);
+static_assert(sizeof(TCIMPropertyImpl) <= 80);
 
 namespace {
 
@@ -65,6 +65,12 @@ void TCIMPropertyImpl::SetValue(const TCIMValue& value) {
 void TCIMPropertyImpl::SetValue(TCIMValue&& value) {
   Check("SetValue", value);
   ReplaceValue(std::move(value));
+}
+
+bool TCIMPropertyImpl::SetFromText(std::string_view text) {
+  if (fHasValue) return false;
+  fHasValue = fValue.SetFromText(fDeclaration->GetType(), text);
+  return fHasValue;
 }
 
 void TCIMPropertyImpl::ReplaceValue(TCIMValue&& value) {

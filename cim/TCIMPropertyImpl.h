@@ -3,6 +3,7 @@
 #include <cstdint>
 #include <memory>
 #include <string>
+#include <string_view>
 #include <vector>
 
 #include "zelcore/TCIMProperty.h"
@@ -32,6 +33,7 @@ class ZEL_API TCIMPropertyImpl {
   bool HasValue() const { return fHasValue; }
   void SetValue(const TCIMValue& value);
   void SetValue(TCIMValue&& value);
+  bool SetFromText(std::string_view text);
 
   const TCIMValue& PrevValue() const;
   bool IsPrevValueDifferent() const { return fPrevDiffers; }

@@ -1,6 +1,9 @@
 #include "zelcore/TCIMValue.h"
 
+#include <cstring>
 #include <memory>
+#include <new>
+#include <type_traits>
 #include <utility>
 
 #include "cim/TCIMArrayValueImpl.h"
@@ -16,7 +19,7 @@ using zelcore::detail::TypeText;
 using zelcore::detail::VisitNumeric;
 
 // Documents hold millions of them.
-static_assert(sizeof(TCIMValue) == 24);
+static_assert(sizeof(TCIMValue) == 48);
 
 namespace {
 
@@ -30,18 +33,15 @@ bool HasVariant(TCIMType type) {
                             type != TCIMType::TypeChar);
 }
 
-template <class TVariant>
-TCIMValueImpl* CloneAs(const TCIMValueImpl& impl) {
-  return new TVariant(static_cast<const TVariant&>(impl));
-}
-
-TCIMValueImpl* Clone(TCIMType type, const TCIMValueImpl& impl) {
-  if (type.IsArray()) return CloneAs<TCIMArrayValueImpl>(impl);
+// Calls `visit` with the variant, as the class that holds values of `type`.
+template <class TVisitor>
+auto VisitVariant(TCIMType type, TCIMValueImpl& variant, TVisitor&& visit) {
+  if (type.IsArray()) return visit(static_cast<TCIMArrayValueImpl&>(variant));
   switch (type) {
-    case TCIMType::TypeString: return CloneAs<TCIMStringValueImpl>(impl);
-    case TCIMType::TypeDateTime: return CloneAs<TCIMDateTimeValueImpl>(impl);
-    case TCIMType::TypeReference: return CloneAs<TCIMReferenceValueImpl>(impl);
-    default: return CloneAs<TCIMNumericValueImpl>(impl);
+    case TCIMType::TypeString: return visit(static_cast<TCIMStringValueImpl&>(variant));
+    case TCIMType::TypeDateTime: return visit(static_cast<TCIMDateTimeValueImpl&>(variant));
+    case TCIMType::TypeReference: return visit(static_cast<TCIMReferenceValueImpl&>(variant));
+    default: return visit(static_cast<TCIMNumericValueImpl&>(variant));
   }
 }
 
@@ -56,18 +56,53 @@ bool AreKnownEqual(const TCIMValue& a, const TCIMValue& b) {
 
 }  // namespace
 
+TCIMValueImpl& TCIMValue::Variant() const {
+  return *std::launder(reinterpret_cast<TCIMValueImpl*>(const_cast<unsigned char*>(fVariant)));
+}
+
+void TCIMValue::DestroyVariant() {
+  VisitVariant(GetType(), Variant(), [](auto& variant) { std::destroy_at(&variant); });
+}
+
+void TCIMValue::TakeVariant(TCIMValue& other) noexcept {
+  Clear();
+  fType = other.fType;
+  if (other.IsNull()) return;
+  fHasVariant = true;
+  if (GetType() < TCIMType::TypeReference) {
+    // Numbers, texts and datetimes do not know where they stand.
+    std::memcpy(fVariant, other.fVariant, sizeof fVariant);
+    other.fHasVariant = false;
+    return;
+  }
+  VisitVariant(GetType(), other.Variant(), [this](auto& variant) {
+    new (fVariant) std::remove_reference_t<decltype(variant)>(std::move(variant));
+  });
+  other.Clear();
+}
+
+// The arguments must not be part of the present variant.
+template <class TVariant, class... TArgs>
+void TCIMValue::MakeVariant(TCIMType type, TArgs&&... args) {
+  static_assert(sizeof(TVariant) <= sizeof fVariant && alignof(TVariant) <= alignof(TCIMValue));
+  Clear();
+  fType = type;
+  new (fVariant) TVariant(std::forward<TArgs>(args)...);
+  fHasVariant = true;
+}
+
 TCIMValue::TCIMValue()
-    : fType(TCIMType::TypeNone), fMaxArraySize(0), fImpl(nullptr), fReferencedClass(nullptr) {}
+    : fType(TCIMType::TypeNone), fHasVariant(false), fMaxArraySize(0), fReferencedClass(nullptr) {}
 
 TCIMValue::TCIMValue(const TCIMValue& other) : TCIMValue() { Set(other); }
 
 TCIMValue::TCIMValue(TCIMValue&& other) noexcept
-    : fType(std::exchange(other.fType, TCIMType::TypeNone)),
+    : fHasVariant(false),
       fMaxArraySize(std::exchange(other.fMaxArraySize, 0)),
-      fImpl(std::exchange(other.fImpl, nullptr)),
-      fReferencedClass(std::exchange(other.fReferencedClass, nullptr)) {}
-
-TCIMValue::~TCIMValue() { delete fImpl; }
+      fReferencedClass(std::exchange(other.fReferencedClass, nullptr)) {
+  TakeVariant(other);
+  other.fType = TCIMType::TypeNone;
+}
 
 // NOLINTNEXTLINE(bugprone-unhandled-self-assignment): Set() handles it
 TCIMValue& TCIMValue::operator=(const TCIMValue& other) {
@@ -103,26 +138,33 @@ TCIMValue::TCIMValue(TCIMType type, unsigned int maxArraySize,
 }
 
 TCIMValue::TCIMValue(TCIMType type, const std::string& text, TContainer& container) : TCIMValue() {
+  if (SetFromText(type, text)) return;
   switch (type) {
-    case TCIMType::TypeString: Set(text); break;
-    case TCIMType::TypeDateTime:
-      Replace(type, new TCIMDateTimeValueImpl(std::in_place, text));
-      break;
+    case TCIMType::TypeDateTime: Fail(zelStatusInvalidDateTime);
     case TCIMType::TypeReference: Set(TCIMReference(&container, text)); break;
-    case TCIMType::TypeChar: Fail(zelStatusTypeMismatch);
-    default:
-      VisitNumeric(type, [&](auto tag) { Set(ParseNumber<typename decltype(tag)::type>(text)); });
+    default: Fail(zelStatusTypeMismatch);
   }
 }
 
-void TCIMValue::Replace(TCIMType type, TCIMValueImpl* impl) {
-  fType = type;
-  delete std::exchange(fImpl, impl);
+bool TCIMValue::SetFromText(TCIMType type, std::string_view text) {
+  if (type == TCIMType::TypeString) {
+    MakeVariant<TCIMStringValueImpl>(type, std::in_place, text);
+    return true;
+  }
+  if (type == TCIMType::TypeDateTime) {
+    TCIMDateTimeImpl time;
+    if (!time.TrySet(text)) return false;
+    MakeVariant<TCIMDateTimeValueImpl>(type, std::in_place, time);
+    return true;
+  }
+  if (type < TCIMType::TypeBoolean || type > TCIMType::TypeReal64) return false;
+  VisitNumeric(type, [&](auto tag) { SetNumber(ParseNumber<typename decltype(tag)::type>(text)); });
+  return true;
 }
 
 template <class T>
 void TCIMValue::SetNumber(T value) {
-  Replace(zelcore::detail::NumericCode<T>(), new TCIMNumericValueImpl(value));
+  MakeVariant<TCIMNumericValueImpl>(zelcore::detail::NumericCode<T>(), value);
 }
 
 void TCIMValue::Set(bool value) { SetNumber(value); }
@@ -138,22 +180,22 @@ void TCIMValue::Set(float value) { SetNumber(value); }
 void TCIMValue::Set(double value) { SetNumber(value); }
 
 void TCIMValue::Set(const std::string& value) {
-  Replace(TCIMType::TypeString, new TCIMStringValueImpl(std::in_place, value));
+  MakeVariant<TCIMStringValueImpl>(TCIMType::TypeString, std::in_place, value);
 }
 
 void TCIMValue::Set(const char* value) {
-  Replace(TCIMType::TypeString, new TCIMStringValueImpl(std::in_place, value));
+  MakeVariant<TCIMStringValueImpl>(TCIMType::TypeString, std::in_place, value);
 }
 
 void TCIMValue::Set(const TCIMDateTime& value) {
-  Replace(TCIMType::TypeDateTime, new TCIMDateTimeValueImpl(std::in_place, value));
+  MakeVariant<TCIMDateTimeValueImpl>(TCIMType::TypeDateTime, std::in_place, value);
 }
 
 void TCIMValue::Set(const TCIMReference& value) { Set(TCIMReference(value)); }
 
 void TCIMValue::Set(TCIMReference&& value) {
   TCIMClass* const referencedClass = value.GetClass();
-  Replace(TCIMType::TypeReference, new TCIMReferenceValueImpl(std::in_place, std::move(value)));
+  MakeVariant<TCIMReferenceValueImpl>(TCIMType::TypeReference, std::in_place, std::move(value));
   fReferencedClass = referencedClass;
 }
 
@@ -164,7 +206,7 @@ void TCIMValue::Set(TCIMType type, unsigned int maxArraySize,
 
 void TCIMValue::Set(TCIMType type, unsigned int maxArraySize, std::vector<TCIMValue>&& elements) {
   const TCIMType elementType = ElementOf(type);
-  Replace(ArrayOf(type), new TCIMArrayValueImpl(std::move(elements)));
+  MakeVariant<TCIMArrayValueImpl>(ArrayOf(type), TCIMArrayValueImpl(std::move(elements)));
   fMaxArraySize = maxArraySize;
   // sic: an array that does not pass stays set.
   for (const TCIMValue& element : operator std::vector<TCIMValue>&()) {
@@ -178,27 +220,32 @@ void TCIMValue::Set(TCIMType type, unsigned int maxArraySize, std::vector<TCIMVa
 
 void TCIMValue::Set(const TCIMValue& other) {
   if (&other == this || AreKnownEqual(*this, other)) return;
-  const TCIMType type = other.fType;
+  const TCIMType type = other.GetType();
   if (!HasVariant(type)) {
-    Replace(type, nullptr);
+    SetNullValue(type, fMaxArraySize);
     Fail(zelStatusTypeMismatch);
   }
-  // `other` may be an element of this array: everything is read before Replace() deletes it.
-  TCIMValueImpl* const copy = other.fImpl ? Clone(type, *other.fImpl) : nullptr;
   if (type.IsArray()) fMaxArraySize = other.fMaxArraySize;
   if (other.IsReference()) fReferencedClass = other.fReferencedClass;
-  Replace(type, copy);
+  if (other.IsNull()) return SetNullValue(type, fMaxArraySize);
+  VisitVariant(type, other.Variant(), [&](const auto& variant) {
+    using TVariant = std::remove_const_t<std::remove_reference_t<decltype(variant)>>;
+    // `other` may be an element of this array: it is copied before this variant goes.
+    MakeVariant<TVariant>(type, TVariant(variant));
+  });
 }
 
 void TCIMValue::Swap(TCIMValue& other) noexcept {
-  std::swap(fType, other.fType);
-  std::swap(fMaxArraySize, other.fMaxArraySize);
-  std::swap(fImpl, other.fImpl);
-  std::swap(fReferencedClass, other.fReferencedClass);
+  TCIMValue taken(std::move(*this));
+  TakeVariant(other);
+  other.TakeVariant(taken);
+  fMaxArraySize = std::exchange(other.fMaxArraySize, taken.fMaxArraySize);
+  fReferencedClass = std::exchange(other.fReferencedClass, taken.fReferencedClass);
 }
 
 void TCIMValue::SetNullValue(TCIMType::ECIMType type, unsigned int maxArraySize) {
-  Replace(type, nullptr);
+  Clear();
+  fType = type;
   if (IsArray()) fMaxArraySize = maxArraySize;
 }
 
@@ -211,7 +258,7 @@ void TCIMValue::SetReferencedClass(TCIMClass& cls) {
 template <class T>
 T TCIMValue::Convert() const {
   if (IsNull()) Fail(zelStatusValueIsNULL);
-  return fImpl->operator T();
+  return Variant().operator T();
 }
 
 TCIMValue::operator bool() const { return Convert<bool>(); }
@@ -232,18 +279,18 @@ TCIMValue::operator std::vector<TCIMValue>&() const { return Convert<std::vector
 
 std::string TCIMValue::ToString(unsigned char base) const {
   if (IsNull()) Fail(zelStatusValueIsNULL);
-  return fImpl->ToString(base);
+  return Variant().ToString(base);
 }
 
 bool TCIMValue::operator==(const TCIMValue& other) const {
   if (IsNull() != other.IsNull() || fType != other.fType) return false;
-  if (!IsNull()) return *fImpl == other;
+  if (!IsNull()) return Variant() == other;
   if (IsReference()) return fReferencedClass == other.fReferencedClass;
   return !IsArray() || fMaxArraySize == other.fMaxArraySize;
 }
 
 bool TCIMValue::operator<(const TCIMValue& other) const {
   if (IsNull() || other.IsNull()) return IsNull() && !other.IsNull();
-  if (fType != other.fType) return static_cast<int>(fType) < static_cast<int>(other.fType);
-  return *fImpl < other;
+  if (fType != other.fType) return fType < other.fType;
+  return Variant() < other;
 }

@@ -24,5 +24,5 @@ TCIMValueImpl::operator std::vector<TCIMValue>&() { Fail(zelStatusTypeMismatch);
 
 const TCIMValueImpl& TCIMValueImpl::VariantOf(const TCIMValue& value) {
   if (value.IsNull()) Fail(zelStatusValueIsNULL);
-  return *value.fImpl;
+  return value.Variant();
 }

@@ -45,6 +45,7 @@ class ZEL_API TCIMValueImpl {
  protected:
   TCIMValueImpl() = default;
   TCIMValueImpl(const TCIMValueImpl&) = default;
+  TCIMValueImpl(TCIMValueImpl&&) = default;
   TCIMValueImpl& operator=(const TCIMValueImpl&) = delete;
 
   // The variant of `value`, to be read without a copy. Throws zelStatusValueIsNULL.

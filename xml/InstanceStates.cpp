@@ -32,13 +32,17 @@ void TCIMXMLParser::TStateProperty::HandleAttrs(TCIMXMLParser& parser, TAttribut
   }
 }
 
+void TCIMXMLParser::TStateProperty::TakeText(TCIMXMLParser& parser, const std::string& text) {
+  if (fValue || !fProperty->SetFromText(text)) TValueSlot::TakeText(parser, text);
+}
+
 void TCIMXMLParser::TStateProperty::EndElement(TCIMXMLParser& parser, std::string& name) {
   if (fValue) fProperty->SetValue(std::move(*fValue));
   TTableState::EndElement(parser, name);
 }
 
 void TCIMXMLParser::TStateValue::EndElement(TCIMXMLParser& parser, std::string& name) {
-  fSlot.Take(parser.ParseValue(fSlot.fType, parser.fText));
+  fSlot.TakeText(parser, parser.fText);
   TTableState::EndElement(parser, name);
 }
 

@@ -29,6 +29,7 @@ class TCIMXMLParser::TStateProperty : public TTableState,
   explicit TStateProperty(TCIMXMLParser& parser) : TStateProperty(parser, kChildren, false) {}
   static const TChildRule kChildren[];
   void HandleAttrs(TCIMXMLParser& parser, TAttributeMap& attributes) override;
+  void TakeText(TCIMXMLParser& parser, const std::string& text) override;
   void EndElement(TCIMXMLParser& parser, std::string& name) override;
   ICIMAllowQualifiers* GetQualified() override { return nullptr; }
 

@@ -147,15 +147,9 @@ unsigned int TCIMXMLParser::ConvertUnsignedInt(const std::string& text) {
 }
 
 TCIMValue TCIMXMLParser::ParseValue(TCIMValue::TCIMType type, const std::string& text) {
-  try {
-    if (type != TCIMValue::TCIMType::TypeDateTime) return TCIMValue(type, text, fContainer);
-    // Refused outside the value that is being made: an exception that has nothing to take down on
-    // its way costs a third.
-    fDateTime.Set(text);
-    return TCIMValue(fDateTime);
-  } catch (const TZELException& failure) {
-    if (failure.GetStatusCode() != zelStatusInvalidDateTime) return TCIMValue(type, 0);
-  }
+  TCIMValue value;
+  if (value.SetFromText(type, text)) return value;
+  if (type != TCIMValue::TCIMType::TypeDateTime) return TCIMValue(type, 0);
   static const TCIMDateTime epoch(1970, 1, 1, 0, 0, 0, 0, 0);
   static const std::string epochText = epoch.ToUIString();
   LogCore(zelLogError, Text("Invalid datetime found on line ", std::to_string(GetCurLine()),

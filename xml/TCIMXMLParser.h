@@ -8,7 +8,6 @@
 #include <vector>
 
 #include "xml/TXmlParser.h"
-#include "zelcore/TCIMDateTime.h"
 #include "zelcore/TCIMQualifierDecl.h"
 #include "zelcore/TCIMValue.h"
 #include "zelcore/detail/Export.h"
@@ -154,9 +153,8 @@ class ZEL_API TCIMXMLParser : public TXmlParser {
  private:
   TContainer& fContainer;
   std::deque<boost::shared_ptr<TParseState>> fStates;
-  std::string fText;       // the character data of the current state's element
-  std::string fName;       // of the element that starts
-  TCIMDateTime fDateTime;  // the one read last
+  std::string fText;  // the character data of the current state's element
+  std::string fName;  // of the element that starts
   std::vector<TCIMClass*> fClassesCollected;
   bool fUX402Mode = false;
 };

@@ -69,6 +69,10 @@ boost::shared_ptr<TCIMXMLParser::TParseState> TCIMXMLParser::Make(TCIMXMLParser&
 // Where VALUE and VALUE.ARRAY leave their value.
 struct TCIMXMLParser::TValueSlot {
   virtual void Take(TCIMValue&& value) { fValue.emplace(std::move(value)); }
+  // The text of a VALUE.
+  virtual void TakeText(TCIMXMLParser& parser, const std::string& text) {
+    Take(parser.ParseValue(fType, text));
+  }
 
   TCIMValue::TCIMType fType = TCIMValue::TCIMType::TypeNone;  // of the value expected
   unsigned int fMaxArraySize = 0;

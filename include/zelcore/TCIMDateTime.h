@@ -82,5 +82,8 @@ class ZEL_API TCIMDateTime {
   boost::shared_ptr<TCIMDateTimeImpl> GetBody() const;
 
  private:
+  friend class TCIMDateTimeImpl;
+  explicit TCIMDateTime(const boost::shared_ptr<TCIMDateTimeImpl>& body);
+
   boost::shared_ptr<TCIMDateTimeImpl> fBody;
 };

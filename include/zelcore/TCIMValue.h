@@ -2,6 +2,7 @@
 
 #include <iosfwd>
 #include <string>
+#include <string_view>
 #include <vector>
 
 #include "zelcore/detail/Export.h"
@@ -68,7 +69,7 @@ class ZEL_API TCIMValue {
   TCIMValue(const TCIMValue& other);
   // Takes everything; `other` is untyped and NULL afterwards.
   TCIMValue(TCIMValue&& other) noexcept;
-  ~TCIMValue();
+  ~TCIMValue() { Clear(); }
   TCIMValue& operator=(const TCIMValue& other);
 
   TCIMValue(bool value);
@@ -138,11 +139,11 @@ class ZEL_API TCIMValue {
   // NULL of `type`. `maxArraySize` is taken for array types only.
   void SetNullValue(TCIMType::ECIMType type, unsigned int maxArraySize);
 
-  bool IsNull() const { return fImpl == nullptr; }
-  TCIMType GetType() const { return fType; }
-  bool IsArray() const { return fType.IsArray(); }
+  bool IsNull() const { return !fHasVariant; }
+  TCIMType GetType() const { return static_cast<TCIMType::ECIMType>(fType); }
+  bool IsArray() const { return GetType().IsArray(); }
   // A scalar reference; an array of references is none.
-  bool IsReference() const { return fType == TCIMType::TypeReference; }
+  bool IsReference() const { return GetType() == TCIMType::TypeReference; }
   unsigned int GetMaxArraySize() const { return fMaxArraySize; }
 
   // The class that a reference points or must point to; not owned, may be null, and dangles when
@@ -187,19 +188,36 @@ class ZEL_API TCIMValue {
   bool operator<=(const TCIMValue& other) const { return !(other < *this); }
 
  private:
+  friend class TCIMPropertyImpl;
   friend class TCIMValueImpl;
+  friend class TCIMXMLParser;
 
-  template <class T>
-  T Convert() const;
+  // The data of a value that is not NULL.
+  TCIMValueImpl& Variant() const;
+  template <class TVariant, class... TArgs>
+  void MakeVariant(TCIMType type, TArgs&&... args);
+  // Takes type and variant, and nothing else.
+  void TakeVariant(TCIMValue& other) noexcept;
+  void Clear() {
+    if (fHasVariant && GetType() > TCIMType::TypeReal64) DestroyVariant();  // numbers own nothing
+    fHasVariant = false;
+  }
+  void DestroyVariant();
+
   template <class T>
   void SetNumber(T value);
-  // Takes `impl`; the one before is deleted last, since it may hold what is being copied.
-  void Replace(TCIMType type, TCIMValueImpl* impl);
+  // Reads `text` as the constructor does. False, with nothing changed, where that would throw or
+  // needs the container.
+  bool SetFromText(TCIMType type, std::string_view text);
+  template <class T>
+  T Convert() const;
 
-  TCIMType fType;
+  unsigned int fType : 31;       // a TCIMType
+  unsigned int fHasVariant : 1;  // else the value is NULL
   unsigned int fMaxArraySize;
-  TCIMValueImpl* fImpl;  // owned; null means NULL
   TCIMClass* fReferencedClass;
+  // The variant: in the value itself, so that ordinary ones cost no allocation.
+  alignas(8) unsigned char fVariant[32];
 };
 
 // NOLINTEND(google-explicit-constructor)
