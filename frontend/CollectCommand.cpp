@@ -4,6 +4,7 @@
 #include "frontend/Inventory.h"
 #include "frontend/Listing.h"
 #include "frontend/Options.h"
+#include "frontend/Redaction.h"
 #include "frontend/Summary.h"
 #include "frontend/ValueText.h"
 
@@ -35,10 +36,12 @@ class TCollectCommand : public TCommand {
                     "Print every instance of these classes, of their subclasses, or of sections")
         ->type_name("NAME");
     AddChoice(options, "--format", fFormat, kFormats, "How to print");
+    AddRedactOption(options, fRedact);
   }
 
   TExitCode Run(TStreams& streams) override {
-    const TInventory inventory = TInventory::Collect(fOptions, fNames);
+    TInventory inventory = TInventory::Collect(fOptions, fNames);
+    if (fRedact) Redact({&inventory});
     const std::vector<TCIMClass*> classes =
         fNames.empty() ? inventory.AllClasses() : inventory.Resolve(fNames);
     if (fFormat == TFormat::kJson) {
@@ -56,6 +59,7 @@ class TCollectCommand : public TCommand {
   TCollectionOptions fOptions;
   std::vector<std::string> fNames;  // empty: all, and the summary as text
   TFormat fFormat = TFormat::kText;
+  bool fRedact = false;
 };
 
 }  // namespace

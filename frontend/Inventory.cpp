@@ -167,7 +167,8 @@ TInventory TInventory::Read(const std::string& path) {
 
 void TInventory::FindRun() {
   const std::vector<TCIMInstance*> runs = InstancesOf(*fContainer, kRunClass);
-  if (!runs.empty()) fRun = runs.front();
+  fRun = runs.empty() ? nullptr : runs.front();
+  fStatuses.clear();
   for (const TCIMInstance* status : InstancesOf(*fContainer, kStatusClass)) {
     fStatuses.push_back(status);
     const TCIMProperty* asked = status->FindProperty("Classes");
@@ -180,6 +181,7 @@ void TInventory::FindRun() {
       if (!known || IsAnswer(*status)) known = status;
     }
   }
+  fIsRedacted = fRun && FlagOf(*fRun, "IsRedacted");
 }
 
 std::vector<TCIMClass*> TInventory::AllClasses() const {
@@ -211,7 +213,17 @@ std::vector<TCIMClass*> TInventory::Resolve(const std::vector<std::string>& name
 }
 
 bool TInventory::IsPartial() const { return fRun && FlagOf(*fRun, "IsPartial"); }
-bool TInventory::IsRedacted() const { return fRun && FlagOf(*fRun, "IsRedacted"); }
+bool TInventory::IsRedacted() const { return fIsRedacted; }
+
+void TInventory::SetRedacted(std::string title) {
+  fTitle = std::move(title);
+  FindRun();
+  fIsRedacted = true;
+  const TCIMProperty* mark = fRun ? fRun->FindProperty("IsRedacted") : nullptr;
+  if (mark && mark->GetType() == TCIMValue::TCIMType::TypeBoolean) {
+    fRun->SetPropertyValue("IsRedacted", true);
+  }
+}
 
 const TCIMInstance* TInventory::FindStatus(const TCIMClass& cls) const {
   const auto found = fStatusOf.find(Folded(cls.GetName()));

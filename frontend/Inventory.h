@@ -61,6 +61,8 @@ class TInventory {
   const std::vector<const TCIMInstance*>& GetStatuses() const { return fStatuses; }
   bool IsPartial() const;
   bool IsRedacted() const;
+  // After other instances, and a title, took the place of those that told too much: marks the run.
+  void SetRedacted(std::string title);
 
   // The outcome of the plug-in that was asked for the class; null when none was or nobody knows.
   const TCIMInstance* FindStatus(const TCIMClass& cls) const;
@@ -79,9 +81,10 @@ class TInventory {
   TContainer* fContainer;                    // of the one that is not null
   std::string fTitle;
   std::vector<TSection> fSections;
-  const TCIMInstance* fRun = nullptr;
+  TCIMInstance* fRun = nullptr;
   std::vector<const TCIMInstance*> fStatuses;
   std::map<std::string, const TCIMInstance*> fStatusOf;  // by lower-case class name
+  bool fIsRedacted = false;
 };
 
 // The property's value, `otherwise` when there is none or it is NULL.

@@ -34,4 +34,8 @@ void AddCollectionOptions(CLI::App& command, TCollectionOptions& options) {
   AddChoice(command, "--log-level", options.logLevel, kLogLevels, "What to log");
 }
 
+void AddRedactOption(CLI::App& command, bool& redact) {
+  command.add_flag("--redact", redact, "Hide names, serial numbers and what else is sensitive");
+}
+
 }  // namespace zel

@@ -13,6 +13,9 @@ namespace zel {
 // --plugin-dir, --base, --timeout, --log, --log-level
 void AddCollectionOptions(CLI::App& command, TCollectionOptions& options);
 
+// --redact
+void AddRedactOption(CLI::App& command, bool& redact);
+
 // The row of `table` that `word` names, in any case; `words` are all of them. Throws
 // CLI::ValidationError for an option called `name`.
 template <class TValue>
