@@ -169,6 +169,7 @@ void TInventory::FindRun() {
   const std::vector<TCIMInstance*> runs = InstancesOf(*fContainer, kRunClass);
   fRun = runs.empty() ? nullptr : runs.front();
   fStatuses.clear();
+  fStatusOf.clear();
   for (const TCIMInstance* status : InstancesOf(*fContainer, kStatusClass)) {
     fStatuses.push_back(status);
     const TCIMProperty* asked = status->FindProperty("Classes");
