@@ -17,7 +17,7 @@ class ZEL_API IQueryManager {
   // of all when `classNames` is empty: ordinary classes first, associations second. Names are
   // compared case-sensitively; unknown ones are ignored. Not asked for are abstract classes, those
   // with DONTCOLLECT, and those that have instances already. A plug-in that fails is logged and the
-  // next one asked.
+  // next one asked; what a plug-in throws that is no std::exception passes.
   virtual void RunQuery(TContainer* container, std::vector<std::string> classNames) = 0;
 
   // One plug-in's part of one pass.

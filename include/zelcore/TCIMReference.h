@@ -60,7 +60,8 @@ class ZEL_API TCIMReference {
   std::string GetPath() const;
 
   // The class without bindings, else the class's first instance under this path. The instance is
-  // found once and remembered until Clear(). Throws zelStatusNotFound. Owned by the container.
+  // found once and remembered until Clear(), even when it is removed meanwhile. Throws
+  // zelStatusNotFound. Owned by the container.
   ICIMElement* GetCIMElement() const;
 
   // The same class object, the same names and equal values.
