@@ -57,11 +57,7 @@ std::string Duration(const TCIMProperty& property) {
   return days == 0 ? time : fmt::format("{}, {}", Counted(days, "day"), time);
 }
 
-std::string Moment(const TCIMProperty& property) {
-  const TCIMDateTime moment = property.GetValue();
-  return fmt::format("{:04}-{:02}-{:02} {:02}:{:02}:{:02}", moment.GetYear(), moment.GetMonth(),
-                     moment.GetDay(), moment.GetHour(), moment.GetMinute(), moment.GetSecond());
-}
+std::string Moment(const TCIMProperty& property) { return MomentText(property.GetValue()); }
 
 class TSummary {
  public:

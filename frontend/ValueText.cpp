@@ -69,6 +69,14 @@ std::string Iso8601(const TCIMDateTime& datetime) {
                      offset < 0 ? '-' : '+', std::abs(offset) / 60, std::abs(offset) % 60);
 }
 
+std::string MomentText(const TCIMValue& value) {
+  if (value.IsNull() || value.GetType() != TType::TypeDateTime) return "";
+  const TCIMDateTime moment = value;
+  if (moment.IsNull() || moment.IsInterval()) return "";
+  return fmt::format("{:04}-{:02}-{:02} {:02}:{:02}:{:02}", moment.GetYear(), moment.GetMonth(),
+                     moment.GetDay(), moment.GetHour(), moment.GetMinute(), moment.GetSecond());
+}
+
 std::string ValueText(const TCIMValue& value) {
   if (value.IsArray()) {
     std::string text;

@@ -40,6 +40,9 @@ nlohmann::ordered_json ValueJson(const TCIMValue& value);
 // "2026-11-21T10:55:00.000000+01:00", or "P1DT2H3M4.500000S" for an interval.
 std::string Iso8601(const TCIMDateTime& datetime);
 
+// "2026-11-21 10:55:00" as the clock showed it; empty when `value` is no point in time.
+std::string MomentText(const TCIMValue& value);
+
 // `text` on one line that cannot steer a terminal: control characters as \xNN.
 std::string Printable(const std::string& text);
 

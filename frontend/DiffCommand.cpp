@@ -1,0 +1,82 @@
+#include <set>
+
+#include "frontend/Commands.h"
+#include "frontend/Comparison.h"
+#include "frontend/DiffListing.h"
+#include "frontend/Inventory.h"
+#include "frontend/Options.h"
+#include "frontend/ValueMatch.h"
+#include "zelcore/zelcore.h"
+
+namespace zel {
+namespace {
+
+enum class TFormat { kText, kJson };
+
+const std::map<std::string, TFormat> kFormats = {
+    {"text", TFormat::kText},
+    {"json", TFormat::kJson}
+};
+
+// Collects of this machine what `before` holds, or of that what `names` stand for.
+TInventory CollectLike(const TInventory& before, const std::vector<std::string>& names,
+                       const TCollectionOptions& options) {
+  std::set<std::string> wanted;
+  for (const TCIMClass* cls : names.empty() ? before.AllClasses() : before.Resolve(names)) {
+    if (before.WasCollected(*cls)) wanted.insert(LowerCase(cls->GetName()));
+  }
+  return TInventory::Collect(
+      options, [&](const TCIMClass& cls) { return wanted.count(LowerCase(cls.GetName())) != 0; });
+}
+
+class TDiffCommand : public TCommand {
+ public:
+  explicit TDiffCommand(CLI::App& options) {
+    options.add_option("OLD", fOld, "A saved collection, '-' for standard input")
+        ->type_name("FILE")
+        ->required();
+    options.add_option("NEW", fNew, "A later one; this machine when it is not given")
+        ->type_name("FILE");
+    options
+        .add_option("--class", fComparison.names,
+                    "Compare only these classes, their subclasses, or sections")
+        ->type_name("NAME");
+    AddChoice(options, "--format", fFormat, kFormats, "How to print");
+    options.add_flag("--volatile", fComparison.withVolatile,
+                     "Compare also what changes from one moment to the next");
+    AddCollectionOptions(options, fCollection);
+  }
+
+  TExitCode Run(TStreams& streams) override {
+    if (fOld == "-" && fNew == "-") {
+      throw TCommandError(kExitUsage,
+                          "standard input can be one of the two only; name a file as the other");
+    }
+    const TInventory before = TInventory::Read(fOld);
+    const TInventory after =
+        fNew.empty() ? CollectLike(before, fComparison.names, fCollection) : TInventory::Read(fNew);
+    const TComparison comparison = Compare(before, after, fComparison);
+    if (fFormat == TFormat::kJson) {
+      PrintDiffJson(before, after, comparison, streams.out);
+    } else {
+      PrintDiffText(before, after, comparison, streams.terminal, streams.out);
+    }
+    if (comparison.HasDifferences()) return kExitDifferent;
+    return fNew.empty() && after.IsPartial() ? kExitPartial : kExitDone;
+  }
+
+ private:
+  std::string fOld;
+  std::string fNew;  // empty: this machine
+  TComparisonOptions fComparison;
+  TFormat fFormat = TFormat::kText;
+  TCollectionOptions fCollection;
+};
+
+}  // namespace
+
+std::unique_ptr<TCommand> MakeDiffCommand(CLI::App& options) {
+  return std::make_unique<TDiffCommand>(options);
+}
+
+}  // namespace zel
