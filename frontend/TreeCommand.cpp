@@ -1,0 +1,101 @@
+#include <fmt/format.h>
+#include <stdlib.h>
+
+#include "frontend/AssociationTree.h"
+#include "frontend/Commands.h"
+#include "frontend/Inventory.h"
+#include "frontend/Options.h"
+#include "frontend/ValueMatch.h"
+#include "frontend/ValueText.h"
+#include "zelcore/zelcore.h"
+
+namespace zel {
+namespace {
+
+using TInstances = std::vector<TCIMInstance*>;
+
+constexpr unsigned kDeepest = 1000;
+
+// Whether the locale says that texts are UTF-8.
+bool IsUtf8Locale() {
+  for (const char* name : {"LC_ALL", "LC_CTYPE", "LANG"}) {
+    const char* value = getenv(name);
+    if (!value || *value == 0) continue;
+    const std::string locale = LowerCase(value);
+    return locale.find("utf-8") != std::string::npos || locale.find("utf8") != std::string::npos;
+  }
+  return false;
+}
+
+TInstances InstancesOf(const TInventory& inventory, const std::string& className, bool deep) {
+  try {
+    const TCIMClass* cls =
+        className.empty() ? nullptr : inventory.GetContainer().FindClass(className);
+    return cls ? cls->EnumerateInstances(deep) : TInstances();
+  } catch (const TZELException&) {
+    return {};  // a text that cannot be a class name
+  }
+}
+
+TInstances FindSystems(const TInventory& inventory) {
+  for (const char* name :
+       {TCIMSchemaHelper::kSystemCreationClassName.c_str(), "CIM_ComputerSystem"}) {
+    TInstances systems = InstancesOf(inventory, name, true);
+    if (!systems.empty()) return systems;
+  }
+  throw TCommandError(kExitUsage,
+                      Printable(fmt::format("{} has no computer system; say with --from CLASS or "
+                                            "--from PATH where to start",
+                                            inventory.GetTitle())));
+}
+
+// The instances of a class, or that of an object path as it is shown.
+TInstances FindStart(const TInventory& inventory, const std::string& from) {
+  TInstances found = InstancesOf(inventory, from, true);
+  if (!found.empty()) return found;
+  for (TCIMInstance* instance : InstancesOf(inventory, from.substr(0, from.find('.')), false)) {
+    const std::string path = instance->BuildPath().GetPath();
+    if (path == from || Printable(path) == from) found.push_back(instance);
+  }
+  if (!found.empty()) return found;
+  throw TCommandError(kExitUsage, Printable(fmt::format("{} has no instance '{}'; 'zel diff' and "
+                                                        "'zel collect --class' print their paths",
+                                                        inventory.GetTitle(), from)));
+}
+
+class TTreeCommand : public TCommand {
+ public:
+  explicit TTreeCommand(CLI::App& options) {
+    options.add_option("FILE", fFile, "A saved collection; this machine when it is not given")
+        ->type_name("FILE");
+    options.add_option("--from", fFrom, "Start with this instance, or with those of this class")
+        ->type_name("PATH|CLASS");
+    options.add_option("--depth", fTree.depth, "Show this many levels below the first")
+        ->check(CLI::Range(0u, kDeepest).description(""))
+        ->type_name("N");
+    AddCollectionOptions(options, fCollection);
+  }
+
+  TExitCode Run(TStreams& streams) override {
+    const TInventory inventory =
+        fFile.empty() ? TInventory::Collect(fCollection) : TInventory::Read(fFile);
+    fTree.isUtf8 = IsUtf8Locale();
+    PrintTree(inventory, fFrom.empty() ? FindSystems(inventory) : FindStart(inventory, fFrom),
+              fTree, streams.terminal, streams.out);
+    return fFile.empty() && inventory.IsPartial() ? kExitPartial : kExitDone;
+  }
+
+ private:
+  std::string fFile;  // empty: this machine
+  std::string fFrom;  // empty: the system
+  TTreeOptions fTree;
+  TCollectionOptions fCollection;
+};
+
+}  // namespace
+
+std::unique_ptr<TCommand> MakeTreeCommand(CLI::App& options) {
+  return std::make_unique<TTreeCommand>(options);
+}
+
+}  // namespace zel
