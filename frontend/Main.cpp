@@ -42,7 +42,7 @@ struct TCommandRow {
 // In the order of the help.
 const std::vector<TCommandRow> kCommands = {
     {"collect",
-     "Collect this machine and print a summary, or all there is of some classes", {"zel collect", "zel collect --class KVRSG_Processor KVRSG_Memory --format json"},
+     "Collect this machine and print a summary, or all there is of some classes",          {"zel collect", "zel collect --class KVRSG_Processor KVRSG_Memory --format json"},
      MakeCollectCommand   },
     {"tree",
      "Show what the system consists of, as a tree",                               {"zel tree", "zel tree server.xml.gz --from KVRSG_Processor --depth 2"},
@@ -51,10 +51,13 @@ const std::vector<TCommandRow> kCommands = {
      "Tell what has changed since a saved collection, or between two",            {"zel diff server.xml.gz", "zel diff before.xml.gz after.xml.gz --class Memory"},
      MakeDiffCommand      },
     {"plugins",
-     "List the plug-ins, their classes, and why one does not load",               {"zel plugins", "zel plugins --plugin-dir /opt/acme/plugins"},
+     "List the plug-ins, their classes, and why one does not load",                        {"zel plugins", "zel plugins --plugin-dir /opt/acme/plugins"},
      MakePluginsCommand   },
+    {"validate",
+     "Check a CIM-XML document, and tell what would be read otherwise than it is written", {"zel validate acme.properties.xml", "zel validate host.xml.gz --format json"},
+     MakeValidateCommand  },
     {"completion",
-     "Write the completion of a shell",                                           {"source <(zel completion bash)", "zel completion fish > ~/.config/fish/completions/zel.fish"},
+     "Write the completion of a shell",                                                    {"source <(zel completion bash)", "zel completion fish > ~/.config/fish/completions/zel.fish"},
      MakeCompletionCommand},
 };
 

@@ -1,5 +1,3 @@
-#include "frontend/Main.h"
-
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 #include <unistd.h>
@@ -10,6 +8,7 @@
 #include <string>
 #include <vector>
 
+#include "tests/frontend/Zel.h"
 #include "tests/support/TempDir.h"
 
 namespace {
@@ -18,23 +17,6 @@ namespace fs = std::filesystem;
 using testing::HasSubstr;
 using testing::MatchesRegex;
 using testing::StartsWith;
-
-struct TResult {
-  int code;
-  std::string out;
-  std::string err;
-};
-
-TResult Zel(std::vector<std::string> arguments) {
-  std::vector<const char*> argv = {"zel"};
-  for (const std::string& argument : arguments) argv.push_back(argument.c_str());
-  std::ostringstream out;
-  std::ostringstream err;
-  const int code = zel::Main(static_cast<int>(argv.size()), argv.data(), {out, err});
-  return {code, out.str(), err.str()};
-}
-
-const std::string kBase = ZEL_SOURCE_DIR "/schema/zelcore.base.xml";
 
 // A plug-in directory with the named test plug-ins.
 class TPluginDir : public TempDir {

@@ -1,0 +1,255 @@
+#include "frontend/Validation.h"
+
+#include <fmt/format.h>
+#include <string.h>
+#include <sys/stat.h>
+#include <unistd.h>
+#include <zlib.h>
+
+#include <algorithm>
+#include <cerrno>
+#include <charconv>
+#include <fstream>
+#include <memory>
+#include <string_view>
+
+#include "frontend/ExitCode.h"
+#include "frontend/Locations.h"
+#include "frontend/Log.h"
+#include "frontend/ValueText.h"
+#include "zelcore/zelcore.h"
+
+namespace zel {
+namespace {
+
+constexpr std::size_t kMaxText = 100U << 20U;  // that the reader takes
+
+[[noreturn]] void RefuseFile(const std::string& path, const std::string& why) {
+  throw TCommandError(kExitBadInput, Printable(fmt::format("cannot read '{}': {}; name a CIM-XML "
+                                                           "document, plain or .gz",
+                                                           path, why)));
+}
+
+void RequireFile(const std::string& path) {
+  struct stat status = {};
+  if (stat(path.c_str(), &status) != 0) RefuseFile(path, strerror(errno));
+  if (!S_ISREG(status.st_mode)) RefuseFile(path, "it is no regular file");
+  if (!std::ifstream(path)) RefuseFile(path, strerror(errno));
+}
+
+bool IsGzip(const std::string& path) {
+  std::ifstream file(path, std::ios::binary);
+  return file.get() == 0x1F && file.get() == 0x8B;
+}
+
+// The document's text; none when the reader cannot come by it either.
+std::optional<std::string> ReadText(const std::string& path, TFindings& findings) {
+  const bool isNamedGzip = path.find(".gz") != std::string::npos;
+  if (IsGzip(path) != isNamedGzip) {
+    findings.Add(isNamedGzip ? TRule::kGzipName : TRule::kGzipUnnamed, 0);
+    return std::nullopt;
+  }
+  gzFile file = gzopen(path.c_str(), "rb");  // takes plain files as they are
+  if (!file) RefuseFile(path, strerror(errno));
+  std::string text;
+  char block[65536];
+  int count = 0;
+  while (text.size() <= kMaxText && (count = gzread(file, block, sizeof block)) > 0) {
+    text.append(block, static_cast<std::size_t>(count));
+  }
+  const bool isWhole = gzclose(file) == Z_OK && count >= 0;
+  if (text.size() > kMaxText) {
+    findings.Add(TRule::kTooLarge, 0);
+  } else if (!isWhole) {
+    findings.Add(TRule::kGzipDamaged, 0);
+  } else {
+    return text;
+  }
+  return std::nullopt;
+}
+
+// Looks for the declaration of KEY, which stands before all classes and instances.
+class TKeySearch : public TStrictReader {
+ public:
+  bool HasFound() const { return fHasFound; }
+
+ protected:
+  void StartElement(const std::string& name, const TAttributes& attributes) override {
+    if (name == "class" || name == "instance") Stop();
+    if (name != "qualifier.declaration") return;
+    const std::string* const declared = FindAttribute(attributes, "name");
+    if (!declared || strcasecmp(declared->c_str(), "KEY") != 0) return;
+    fHasFound = true;
+    Stop();
+  }
+  void EndElement() override {}
+  void Characters(std::string_view) override {}
+  void CharacterReference(std::string_view) override {}
+  void Encoding(const std::string&) override {}
+  void CData() override {}
+  void InternalSubset() override {}
+
+ private:
+  bool fHasFound = false;
+};
+
+bool DeclaresKey(const std::string& text) {
+  TKeySearch search;
+  search.Read(text, true);
+  return search.HasFound();
+}
+
+void ReadBase(TContainer& container, const std::string& path) {
+  const auto refuse = [&](const std::string& why) {
+    throw TCommandError(
+        kExitBadInput,
+        Printable(fmt::format("cannot read the base schema '{}': {}; name another with --base",
+                              path, why)));
+  };
+  if (access(path.c_str(), R_OK) != 0) refuse(strerror(errno));
+  TLogger::GetInstance()->ClearLog();
+  try {
+    container.PopulateContainerFromFile(path);
+  } catch (const std::exception& error) {
+    const std::string why = FirstLoggedError();
+    refuse(why.empty() ? error.what() : why);
+  }
+}
+
+void ReadBases(TContainer& container, const TValidationOptions& options, const std::string& text,
+               TFindings& findings) {
+  for (const std::string& base : options.bases) ReadBase(container, base);
+  if (!options.bases.empty() || DeclaresKey(text)) return;
+  const std::string base = DefaultLocations().baseSchema;
+  findings.Add(TRule::kBase, 0, {base});
+  ReadBase(container, base);
+}
+
+TCounts CountIn(const TContainer& container) {
+  const TCIMClass& root = *container.GetRootClass();
+  return {container.EnumerateQualifiers().size(), root.EnumerateSubClasses(true).size(),
+          root.EnumerateInstances(true).size()};
+}
+
+bool StartsWith(const std::string& text, std::string_view start) {
+  return text.compare(0, start.size(), start) == 0;
+}
+
+// The line that a message of the reader tells; 0 when it tells none.
+unsigned long LineIn(const std::string& message) {
+  constexpr std::string_view kWord = " line ";
+  unsigned long line = 0;
+  const std::size_t at = message.find(kWord);
+  if (at == std::string::npos) return 0;
+  std::from_chars(message.data() + at + kWord.size(), message.data() + message.size(), line);
+  return line;
+}
+
+// A message without a line is followed by the one that ends the document at that line.
+void AddLog(TFindings& findings) {
+  std::vector<TFinding> said;
+  for (const ILogger::TLogEntry& entry : TLogger::GetInstance()->GetLog()) {
+    if (entry.severity > zelLogWarning) continue;
+    if (StartsWith(entry.message, "Previous error was while parsing file ")) continue;
+    const bool isDefault = StartsWith(entry.message, "Invalid datetime found on line ");
+    said.push_back({isDefault ? TRule::kReaderDefault : TRule::kReader, TSeverity::kError,
+                    LineIn(entry.message), entry.message});
+  }
+  unsigned long line = 0;
+  for (auto finding = said.rbegin(); finding != said.rend(); ++finding) {
+    if (finding->line == 0) finding->line = line;
+    line = finding->line;
+  }
+  for (const TFinding& finding : said) findings.Add(finding.rule, finding.line, {finding.text});
+}
+
+TCounts ReadDocument(TContainer& container, const std::string& path, TFindings& findings) {
+  const TCounts before = CountIn(container);
+  TLogger::GetInstance()->ClearLog();
+  try {
+    container.PopulateContainerFromFile(path);
+  } catch (const std::exception& error) {
+    if (FirstLoggedError().empty()) findings.Add(TRule::kReader, 0, {error.what()});
+  }
+  AddLog(findings);
+  const TCounts after = CountIn(container);
+  return {after.qualifiers - before.qualifiers, after.classes - before.classes,
+          after.instances - before.instances};
+}
+
+// Of the byte at `offset`.
+unsigned long LineAt(std::string_view text, std::size_t offset) {
+  return 1 + static_cast<unsigned long>(std::count(
+                 text.begin(), text.begin() + static_cast<std::ptrdiff_t>(offset), '\n'));
+}
+
+bool IsWide(std::string_view text) {
+  const std::string_view mark = text.substr(0, 2);
+  return mark == "\xFF\xFE" || mark == "\xFE\xFF";
+}
+
+void CheckByteOrderMark(std::string_view text, TFindings& findings) {
+  if (text.substr(0, 3) == "\xEF\xBB\xBF") findings.Add(TRule::kByteOrderMark, 1);
+}
+
+// The text up to a NUL.
+std::string_view CheckNul(std::string_view text, TFindings& findings) {
+  const std::size_t nul = text.find('\0');
+  if (nul == std::string_view::npos) return text;
+  findings.Add(TRule::kNul, LineAt(text, nul));
+  return text.substr(0, nul);
+}
+
+// Whether the fault is in a "<!" that begins no comment.
+bool IsInDeclaration(std::string_view text, std::size_t offset) {
+  const std::size_t begin = text.rfind('<', offset);
+  return begin != std::string_view::npos && text.substr(begin, 2) == "<!" &&
+         text.substr(begin, 4) != "<!--";
+}
+
+void AddFault(std::string_view text, const TStrictReader::TFault& fault, TFindings& findings) {
+  if (fault.place == TStrictReader::TPlace::kEpilog) {
+    findings.Add(TRule::kAfterRoot, fault.line);
+  } else if (fault.place == TStrictReader::TPlace::kContent &&
+             IsInDeclaration(text, fault.offset)) {
+    findings.Add(TRule::kDeclaration, fault.line);
+  } else if (fault.offset < text.size() && (text[fault.offset] & 0x80)) {
+    findings.Add(TRule::kNotWellFormed, fault.line,
+                 {"bytes that are not UTF-8, or not allowed here"});
+  } else {
+    findings.Add(TRule::kNotWellFormed, fault.line, {fault.reason});
+  }
+}
+
+// What the document holds, when that is certain.
+std::optional<TCounts> CheckText(std::string_view text, TContainer& container,
+                                 TFindings& findings) {
+  if (IsWide(text)) {
+    findings.Add(TRule::kWideEncoding, 1);
+    return std::nullopt;
+  }
+  CheckByteOrderMark(text, findings);
+  const std::string_view seen = CheckNul(text, findings);
+  TDocumentCheck check(container, findings);
+  const auto fault = check.Read(seen, seen.size() == text.size());
+  if (fault) AddFault(seen, *fault, findings);
+  if (fault && fault->place != TStrictReader::TPlace::kEpilog) return std::nullopt;
+  return check.GetCounts();
+}
+
+}  // namespace
+
+TValidation Validate(const std::string& path, const TValidationOptions& options) {
+  RequireFile(path);
+  StartLog("", zelLogStatus);
+  TValidation validation{TFindings(options.limit), {}, std::nullopt};
+  TFindings& findings = validation.findings;
+  TContainer container;
+  const std::optional<std::string> text = ReadText(path, findings);
+  if (text) ReadBases(container, options, *text, findings);
+  validation.read = ReadDocument(container, path, findings);
+  if (text) validation.holds = CheckText(*text, container, findings);
+  return validation;
+}
+
+}  // namespace zel

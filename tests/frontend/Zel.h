@@ -1,0 +1,25 @@
+#pragma once
+
+#include <sstream>
+#include <string>
+#include <vector>
+
+#include "frontend/Main.h"
+
+struct TResult {
+  int code;
+  std::string out;
+  std::string err;
+};
+
+// Runs `zel` with these arguments, in this process.
+inline TResult Zel(const std::vector<std::string>& arguments) {
+  std::vector<const char*> argv = {"zel"};
+  for (const std::string& argument : arguments) argv.push_back(argument.c_str());
+  std::ostringstream out;
+  std::ostringstream err;
+  const int code = zel::Main(static_cast<int>(argv.size()), argv.data(), {out, err});
+  return {code, out.str(), err.str()};
+}
+
+inline const std::string kBase = ZEL_SOURCE_DIR "/schema/zelcore.base.xml";
