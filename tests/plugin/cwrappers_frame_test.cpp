@@ -2,6 +2,7 @@
 
 #include <string>
 
+#include "tests/plugin/Handle.h"
 #include "tests/plugin/PluginDir.h"
 #include "tests/support/LogSpy.h"
 #include "tests/support/Status.h"
@@ -193,6 +194,15 @@ TEST(CApi, WorksWithoutALogger) {
   zelWriteLog(nullptr, zelLogError, "lost");
   zelWriteLog(nullptr, zelLogError, nullptr);
   EXPECT_EQ(zelStatusFail, zelAddClass(nullptr, nullptr));
+
+  Handle handle;
+  EXPECT_EQ(zelStatusInvalidClass, zelAddStringProperty(handle, "Id", "too early"));
+  EXPECT_EQ(zelStatusOK, zelAddClass(handle, "Test_Thing"));
+  EXPECT_EQ(zelStatusOK, zelAddStringProperty(handle, "Id", "a"));
+  EXPECT_EQ(zelStatusOK, zelAddProperty(handle, "uint32", "7"));
+  EXPECT_EQ(zelStatusTypeMismatch, zelAddUint8Property(handle, "uint32", 7));
+  EXPECT_EQ(zelStatusNotFound, zelAddClass(handle, "Test_Nothing"));
+  EXPECT_EQ(1u, handle.Instances("Test_Thing").size());
 }
 
 void AddComputerSystem(TContainer& container, const std::string& name) {

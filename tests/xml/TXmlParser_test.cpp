@@ -4,10 +4,10 @@
 #include <gtest/gtest.h>
 
 #include <chrono>
-#include <cstring>
 #include <functional>
 #include <random>
 
+#include "tests/support/Slot.h"
 #include "tests/xml/ReferenceXmlReader.h"
 
 namespace {
@@ -90,19 +90,12 @@ struct TRow {
 };
 
 TEST(TXmlParser, KeepsTheOrderOfItsVirtualOperations) {
-  // A pointer to a virtual member holds 1 plus its offset in the table; the destructor takes the
-  // first two slots.
-  const auto slot = [](auto operation) {
-    std::uintptr_t bits = 0;
-    std::memcpy(&bits, &operation, sizeof bits);
-    return (bits - 1) / sizeof(void*);
-  };
-  EXPECT_EQ(2u, slot(&TXmlParser::StartElement));
-  EXPECT_EQ(3u, slot(&TXmlParser::EndElement));
-  EXPECT_EQ(4u, slot(&TXmlParser::processingInstruction));
-  EXPECT_EQ(5u, slot(&TXmlParser::characters));
-  EXPECT_EQ(6u, slot(&TXmlParser::notationDecl));
-  EXPECT_EQ(7u, slot(&TXmlParser::FatalError));
+  EXPECT_EQ(2u, Slot(&TXmlParser::StartElement));
+  EXPECT_EQ(3u, Slot(&TXmlParser::EndElement));
+  EXPECT_EQ(4u, Slot(&TXmlParser::processingInstruction));
+  EXPECT_EQ(5u, Slot(&TXmlParser::characters));
+  EXPECT_EQ(6u, Slot(&TXmlParser::notationDecl));
+  EXPECT_EQ(7u, Slot(&TXmlParser::FatalError));
 }
 
 TEST(TXmlParser, ReportsWhatItFindsInDocumentOrder) {
