@@ -58,6 +58,7 @@ struct TPlan {
   std::vector<std::string> compared;
   std::vector<std::string> onlyBefore;
   std::vector<std::string> onlyAfter;
+  std::vector<std::string> hidden;   // whose values are gone in both
   std::vector<std::string> retyped;  // "Size (uint32 and uint64)"
 };
 
@@ -76,7 +77,8 @@ class TComparer {
         fAfter(after),
         fOptions(options),
         fChosen(ChosenClasses(before, after, options.names)),
-        fRedacted(before, after) {}
+        fRedacted(options.redactedAlike ? TRedactedProperties()
+                                        : TRedactedProperties(before, after)) {}
 
   TComparison Run() {
     NoteVersions();
@@ -115,7 +117,7 @@ class TComparer {
   }
 
   void NoteRedaction() {
-    if (!fBefore.IsRedacted() && !fAfter.IsRedacted()) return;
+    if (fOptions.redactedAlike || (!fBefore.IsRedacted() && !fAfter.IsRedacted())) return;
     const std::string who =
         fBefore.IsRedacted() && fAfter.IsRedacted()
             ? "both are redacted, each in its own way"
@@ -201,6 +203,8 @@ class TComparer {
       const TCIMPropertyDecl* former = old.FindPropertyDecl(name);
       if (!former) {
         plan.onlyAfter.push_back(name);
+      } else if (IsHidden(*property)) {
+        plan.hidden.push_back(name);
       } else if (!IsLeftOut(old, *former)) {
         if (former->GetType() != property->GetType()) {
           plan.retyped.push_back(
@@ -223,6 +227,13 @@ class TComparer {
     return !fOptions.withVolatile && (name == kTimeOfCollection || IsVolatile(property));
   }
 
+  // Texts are the same under one key; anything else is not there any more.
+  bool IsHidden(const TCIMPropertyDecl& property) const {
+    return fOptions.redactedAlike && IsTrue(property.FindQualifier("SENSITIVE")) &&
+           (property.GetType() & ~TCIMValue::TCIMType::TypeArray) !=
+               TCIMValue::TCIMType::TypeString;
+  }
+
   void NotePlan(const TCIMClass& cls, const TPlan& plan) {
     const auto note = [&](const std::string& what, const std::vector<std::string>& names) {
       if (names.empty()) return;
@@ -230,6 +241,7 @@ class TComparer {
     };
     note("not compared, " + fAfter.GetTitle() + " does not have it", plan.onlyBefore);
     note("not compared, " + fBefore.GetTitle() + " does not have it", plan.onlyAfter);
+    note("not compared, redacted", plan.hidden);
     note("compared as text, the types differ", plan.retyped);
   }
 

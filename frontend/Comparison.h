@@ -12,6 +12,7 @@ class TInventory;
 
 struct TComparisonOptions {
   bool withVolatile = false;       // also what changes from one moment to the next
+  bool redactedAlike = false;      // Redact() hid what is sensitive in both with one key
   std::vector<std::string> names;  // only these classes and sections; empty: all
 };
 

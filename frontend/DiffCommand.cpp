@@ -5,6 +5,7 @@
 #include "frontend/DiffListing.h"
 #include "frontend/Inventory.h"
 #include "frontend/Options.h"
+#include "frontend/Redaction.h"
 #include "frontend/ValueMatch.h"
 #include "zelcore/zelcore.h"
 
@@ -44,6 +45,7 @@ class TDiffCommand : public TCommand {
     AddChoice(options, "--format", fFormat, kFormats, "How to print");
     options.add_flag("--volatile", fComparison.withVolatile,
                      "Compare also what changes from one moment to the next");
+    AddRedactOption(options, fRedact);
     AddCollectionOptions(options, fCollection);
   }
 
@@ -52,9 +54,13 @@ class TDiffCommand : public TCommand {
       throw TCommandError(kExitUsage,
                           "standard input can be one of the two only; name a file as the other");
     }
-    const TInventory before = TInventory::Read(fOld);
-    const TInventory after =
+    TInventory before = TInventory::Read(fOld);
+    TInventory after =
         fNew.empty() ? CollectLike(before, fComparison.names, fCollection) : TInventory::Read(fNew);
+    if (fRedact) {
+      fComparison.redactedAlike = !before.IsRedacted() && !after.IsRedacted();
+      Redact({&before, &after});
+    }
     const TComparison comparison = Compare(before, after, fComparison);
     if (fFormat == TFormat::kJson) {
       PrintDiffJson(before, after, comparison, streams.out);
@@ -70,6 +76,7 @@ class TDiffCommand : public TCommand {
   std::string fNew;  // empty: this machine
   TComparisonOptions fComparison;
   TFormat fFormat = TFormat::kText;
+  bool fRedact = false;
   TCollectionOptions fCollection;
 };
 

@@ -148,11 +148,13 @@ class TRedactor {
     }
   }
 
-  void Apply(const TContainer& container) const {
+  void Apply(const TContainer& container) {
     for (TCIMClass* cls : container.GetRootClass()->EnumerateSubClasses(true)) {
       ReplaceInstances(*cls);
     }
   }
+
+  const TReplacedInstances& GetReplaced() const { return fReplaced; }
 
   std::string Cleaned(const std::string& text) const {
     if (fSecrets.count(text) != 0) return RedactedText(text, fKey);
@@ -213,12 +215,13 @@ class TRedactor {
   }
 
   // A key cannot be changed in its place.
-  void ReplaceInstances(TCIMClass& cls) const {
+  void ReplaceInstances(TCIMClass& cls) {
     std::vector<std::unique_ptr<TCIMInstance>> copies;
     std::vector<TCIMInstance*> firsts;  // of each path: those with one path go together
     std::string last;
     for (TCIMInstance* instance : cls.EnumerateInstances(false)) {
       copies.push_back(RedactedCopy(*instance));
+      fReplaced[instance] = copies.back().get();
       std::string path = instance->BuildPath().GetPath();
       if (path != last) firsts.push_back(instance);
       last = std::move(path);
@@ -288,6 +291,7 @@ class TRedactor {
 
   TRedactionKey fKey;
   std::set<std::string, std::less<>> fSecrets;
+  TReplacedInstances fReplaced;
 };
 
 }  // namespace
@@ -301,7 +305,7 @@ std::string RedactedText(const std::string& text, const TRedactionKey& key) {
   return fmt::format("{}{:08x}]", kOpening, TSipHash(key).Of(text) >> 32);
 }
 
-void Redact(const std::vector<TInventory*>& inventories, const TRedactionKey& key) {
+TReplacedInstances Redact(const std::vector<TInventory*>& inventories, const TRedactionKey& key) {
   TRedactor redactor(key);
   for (const TInventory* inventory : inventories) {
     if (!inventory->IsRedacted()) redactor.Learn(inventory->GetContainer());
@@ -311,6 +315,7 @@ void Redact(const std::vector<TInventory*>& inventories, const TRedactionKey& ke
     redactor.Apply(inventory->GetContainer());
     inventory->SetRedacted(redactor.Cleaned(inventory->GetTitle()));
   }
+  return redactor.GetReplaced();
 }
 
 }  // namespace zel

@@ -2,12 +2,18 @@
 
 #include <array>
 #include <cstdint>
+#include <map>
 #include <string>
 #include <vector>
+
+class TCIMInstance;
 
 namespace zel {
 
 class TInventory;
+
+// New objects by the addresses of those that are no more.
+using TReplacedInstances = std::map<const TCIMInstance*, TCIMInstance*>;
 
 using TRedactionKey = std::array<std::uint64_t, 2>;
 
@@ -25,6 +31,7 @@ std::string RedactedText(const std::string& text, const TRedactionKey& key);
 // targets, which are new objects under new paths.
 //
 // The runs say afterwards that they are redacted. What is redacted already stays as it is.
-void Redact(const std::vector<TInventory*>& inventories, const TRedactionKey& key = ProcessKey());
+TReplacedInstances Redact(const std::vector<TInventory*>& inventories,
+                          const TRedactionKey& key = ProcessKey());
 
 }  // namespace zel

@@ -5,6 +5,7 @@
 #include "frontend/Commands.h"
 #include "frontend/Inventory.h"
 #include "frontend/Options.h"
+#include "frontend/Redaction.h"
 #include "frontend/ValueMatch.h"
 #include "frontend/ValueText.h"
 #include "zelcore/zelcore.h"
@@ -63,6 +64,17 @@ TInstances FindStart(const TInventory& inventory, const std::string& from) {
                                                         inventory.GetTitle(), from)));
 }
 
+// What became of `instances`.
+TInstances Redacted(TInventory& inventory, const TInstances& instances) {
+  const TReplacedInstances replaced = Redact({&inventory});
+  TInstances redacted;
+  for (TCIMInstance* instance : instances) {
+    const auto found = replaced.find(instance);
+    redacted.push_back(found == replaced.end() ? instance : found->second);
+  }
+  return redacted;
+}
+
 class TTreeCommand : public TCommand {
  public:
   explicit TTreeCommand(CLI::App& options) {
@@ -73,15 +85,17 @@ class TTreeCommand : public TCommand {
     options.add_option("--depth", fTree.depth, "Show this many levels below the first")
         ->check(CLI::Range(0u, kDeepest).description(""))
         ->type_name("N");
+    AddRedactOption(options, fRedact);
     AddCollectionOptions(options, fCollection);
   }
 
   TExitCode Run(TStreams& streams) override {
-    const TInventory inventory =
+    TInventory inventory =
         fFile.empty() ? TInventory::Collect(fCollection) : TInventory::Read(fFile);
+    TInstances start = fFrom.empty() ? FindSystems(inventory) : FindStart(inventory, fFrom);
+    if (fRedact) start = Redacted(inventory, start);
     fTree.isUtf8 = IsUtf8Locale();
-    PrintTree(inventory, fFrom.empty() ? FindSystems(inventory) : FindStart(inventory, fFrom),
-              fTree, streams.terminal, streams.out);
+    PrintTree(inventory, start, fTree, streams.terminal, streams.out);
     return fFile.empty() && inventory.IsPartial() ? kExitPartial : kExitDone;
   }
 
@@ -89,6 +103,7 @@ class TTreeCommand : public TCommand {
   std::string fFile;  // empty: this machine
   std::string fFrom;  // empty: the system
   TTreeOptions fTree;
+  bool fRedact = false;
   TCollectionOptions fCollection;
 };
 

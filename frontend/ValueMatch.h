@@ -19,7 +19,9 @@ std::string LowerCase(const std::string& name);
 // those with the SENSITIVE qualifier, and whatever else holds a redacted value in some instance.
 class TRedactedProperties {
  public:
-  // Nothing is, unless one of them is redacted.
+  // None.
+  TRedactedProperties() = default;
+  // None, unless one of the two is redacted.
   TRedactedProperties(const TInventory& before, const TInventory& after);
 
   bool IsEmpty() const { return fNames.empty(); }
