@@ -48,6 +48,8 @@ void ClosePipeEnd(TDescriptor& end) {
   close(STDIN_FILENO);
   open("/dev/null", O_RDONLY);
   if (dup2(output, STDOUT_FILENO) >= 0 && dup2(output, STDERR_FILENO) >= 0) {
+    // Streams, such as the log file's, do not open their descriptors close-on-exec.
+    close_range(STDERR_FILENO + 1, ~0U, CLOSE_RANGE_CLOEXEC);
     execvp(arguments[0], arguments);
   }
   _exit(1);

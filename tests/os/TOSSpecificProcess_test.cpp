@@ -198,6 +198,14 @@ TEST(SpawnProcess, WorksWithoutStandardDescriptors) {
   EXPECT_EXIT(work({0, 1, 2}), testing::ExitedWithCode(0), "");
 }
 
+TEST(SpawnProcess, HandsOnNothingButOutput) {
+  const LogFile log;
+  const int other = open("/dev/null", O_RDONLY);
+  // The last one is that of the directory itself.
+  EXPECT_EQ("0\n1\n2\n3\n", TOSSpecific::SpawnProcess("ls", {"/proc/self/fd"}));
+  EXPECT_EQ(0, close(other));
+}
+
 TEST(SpawnProcess, LeavesTheParentsStandardInputAlone) {
   int ends[2];
   ASSERT_EQ(0, pipe(ends));
