@@ -1,6 +1,7 @@
 #include "zelcore/TPluginManager.h"
 
 #include <boost/make_shared.hpp>
+#include <exception>
 
 #include "zelcore/IPluginCallbacks.h"
 #include "zelcore/TOSSpecific.h"
@@ -9,6 +10,25 @@
 
 using zelcore::detail::LogCore;
 using zelcore::detail::Text;
+
+namespace {
+
+// Whether it went well; whatever the plug-in throws is logged and goes no further.
+bool InitializePlugin(IPlugin& plugin) {
+  std::string reason = "unknown exception";
+  try {
+    plugin.Initialize();
+    return true;
+  } catch (const std::exception& e) {
+    reason = e.what();
+  } catch (...) {
+  }
+  // By its path: one that cannot do this much may not tell its name either.
+  LogCore(zelLogWarning, Text("Plugin ", plugin.GetPath(), " failed to initialize: ", reason));
+  return false;
+}
+
+}  // namespace
 
 TPluginManager* TPluginManager::fgInstance = nullptr;
 
@@ -65,12 +85,7 @@ void TPluginManager::InitializeProviders(const std::string& path) {
     fPendingPlugins.pop_front();
     plugin->SetPath(path);
     fPlugins.push_back(plugin);
-    try {
-      plugin->Initialize();
-    } catch (...) {
-      // It stays listed without classes; a query that comes to it says so.
-      continue;
-    }
+    if (!InitializePlugin(*plugin)) continue;  // it stays listed without classes
     IPluginCallbacks* callbacks = plugin->GetCallbacks();
     const int type = callbacks ? callbacks->GetType() : -1;
     if (type == 0 || type == 1) plugin->LoadSpecificationDocument();

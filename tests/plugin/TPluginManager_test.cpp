@@ -7,6 +7,7 @@
 
 #include <algorithm>
 #include <filesystem>
+#include <stdexcept>
 #include <string>
 #include <vector>
 
@@ -116,8 +117,11 @@ TEST(PluginManager, ReportsALibraryThatDoesNotLoad) {
 TEST(PluginManager, KeepsAPluginWhoseInitFailsWithoutReadingItsDocument) {
   const PluginDir plugins;
   const IPlugin& plugin = plugins.Load("refuses");
+  const std::string path = plugins.Files().PathOf("refuses/librefuses.pi.so");
   EXPECT_FALSE(plugin.IsInitialized());
-  EXPECT_EQ(plugins.Files().PathOf("refuses/librefuses.pi.so"), plugin.GetPath());
+  EXPECT_EQ(path, plugin.GetPath());
+  EXPECT_EQ(Lines{"Plugin " + path + " failed to initialize: zelStatusAccessDenied"}, LogLines());
+  EXPECT_EQ(zelLogWarning, LastLogSeverity());
   EXPECT_EQ("zelStatusFail", StatusOf([&] { plugin.GetClassesCollected(); }));
   EXPECT_EQ(nullptr, PluginDir::Schema().FindClass("Refuses_Thing"));
   EXPECT_EQ(Lines{"refuses"}, ListedNames());
@@ -381,14 +385,26 @@ TEST(PluginManager, TakesItsRecordsAlongWhenItEnds) {
 }
 
 TEST(PluginManager, SwallowsWhateverInitThrows) {
+  struct {
+    zelStatusCode (*init)(TCPluginCallbacks*);
+    const char* reason;
+  } const rows[] = {
+      {[](TCPluginCallbacks*) -> zelStatusCode { throw 42; },                            "unknown exception"      },
+      {[](TCPluginCallbacks*) -> zelStatusCode { throw std::runtime_error("no disk"); }, "no disk"                },
+      {[](TCPluginCallbacks*) { return static_cast<zelStatusCode>(4711); },              "zelStatusEnd"           },
+      {nullptr,                                                                          "zelStatusNotImplemented"},
+  };
   TPluginManager::Initialize("/nowhere");
-  zelPluginCallbacks table{nullptr, [](TCPluginCallbacks*) -> zelStatusCode { throw 42; },
-                           nullptr, nullptr,
-                           NoName,  nullptr};
-  TCPluginCallbacks* plugin = nullptr;
-  zelRegisterPlugin(&table, &plugin);
-  TPluginManager::GetInstance()->InitializeProviders("/some/path.pi.so");
-  EXPECT_FALSE(TPluginManager::GetInstance()->GetPluginsContainer().front()->IsInitialized());
+  for (const auto& row : rows) {
+    RestartLog();
+    zelPluginCallbacks table{nullptr, row.init, nullptr, nullptr, NoName, nullptr};
+    TCPluginCallbacks* plugin = nullptr;
+    zelRegisterPlugin(&table, &plugin);
+    TPluginManager::GetInstance()->InitializeProviders("/some/path.pi.so");
+    EXPECT_FALSE(TPluginManager::GetInstance()->GetPluginsContainer().back()->IsInitialized());
+    EXPECT_EQ(Lines{std::string("Plugin /some/path.pi.so failed to initialize: ") + row.reason},
+              LogLines());
+  }
 }
 
 }  // namespace
