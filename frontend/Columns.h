@@ -1,0 +1,24 @@
+#pragma once
+
+#include <string>
+#include <vector>
+
+class TCIMClass;
+class TCIMPropertyDecl;
+
+namespace zel {
+
+// How the instances of a class stand in a table.
+struct TColumns {
+  // In the order of the COLUMN qualifiers; where a class has none, the keys that tell its instances
+  // apart.
+  std::vector<const TCIMPropertyDecl*> shown;
+  std::vector<const TCIMPropertyDecl*> rest;  // all others, in the order of the lower-case names
+};
+TColumns ColumnsOf(const TCIMClass& cls);
+
+// Whether a key of this name says of which class and system an instance is, rather than which one
+// of them it is.
+bool IsSurroundingKey(const std::string& name);
+
+}  // namespace zel

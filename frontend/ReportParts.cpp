@@ -1,0 +1,123 @@
+#include "frontend/ReportParts.h"
+
+#include <cstdlib>
+
+#include "frontend/Columns.h"
+#include "frontend/Inventory.h"
+#include "frontend/ValueText.h"
+#include "zelcore/zelcore.h"
+
+namespace zel {
+namespace {
+
+std::string Joined(const std::vector<std::string>& texts, const char* separator) {
+  return fmt::format("{}", fmt::join(texts, separator));
+}
+
+// A reference in a key is named by its own keys; what these refer to is not followed.
+using TNameKey = std::string (*)(const TCIMReference&);
+
+std::vector<std::string> TellingKeys(const TCIMReference& path, TNameKey name) {
+  std::vector<std::string> telling;
+  std::vector<std::string> all;
+  for (const auto& [key, value] : path.EnumerateKeyBindings()) {
+    const bool isNamed = name && !value.IsNull() && value.IsReference();
+    all.push_back(isNamed ? name(value) : value.IsNull() ? "" : ValueText(value));
+    if (!IsSurroundingKey(key)) telling.push_back(all.back());
+  }
+  return telling.empty() ? all : telling;
+}
+
+std::string TitleWith(const TCIMReference& path, TNameKey name) {
+  const std::vector<std::string> keys = TellingKeys(path, name);
+  if (path.GetClass()->IsAssociation()) return Joined(keys, ", ");
+  return fmt::format("{} {}", TitleOf(*path.GetClass()), Joined(keys, " "));
+}
+
+std::string PathWith(const TCIMReference& path, TNameKey name) {
+  return fmt::format("{}.{}", path.GetClassName(), Joined(TellingKeys(path, name), "."));
+}
+
+// "KVRSG_Processor.CPU0"
+std::string ShortPath(const TCIMReference& path) {
+  return PathWith(path, [](const TCIMReference& key) { return PathWith(key, nullptr); });
+}
+
+}  // namespace
+
+std::string TextOf(const TCIMQualifier* qualifier) {
+  if (!qualifier || qualifier->GetType() != TCIMValue::TCIMType::TypeString) return "";
+  const TCIMValue value = qualifier->GetValue();
+  return value.IsNull() || value.IsArray() ? "" : value.ToString(10);
+}
+
+std::string TitleOf(const TCIMClass& cls) {
+  const std::string display = TextOf(cls.FindQualifier("DISPLAYNAME"));
+  if (!display.empty()) return display;
+  return Words(cls.GetName().substr(cls.GetName().find('_') + 1));
+}
+
+std::string TitleOf(const TCIMReference& path) {
+  return TitleWith(path, [](const TCIMReference& key) { return TitleWith(key, nullptr); });
+}
+
+std::string MomentText(const TCIMDateTime& moment) {
+  const int offset = moment.GetUTCOffset();
+  return fmt::format("{:04}-{:02}-{:02} {:02}:{:02}:{:02} {}{:02}:{:02}", moment.GetYear(),
+                     moment.GetMonth(), moment.GetDay(), moment.GetHour(), moment.GetMinute(),
+                     moment.GetSecond(), offset < 0 ? '-' : '+', std::abs(offset) / 60,
+                     std::abs(offset) % 60);
+}
+
+std::string NameOf(const TInventory& inventory) {
+  const std::string name = inventory.IsRedacted() ? "a redacted collection" : inventory.GetTitle();
+  const TCIMProperty* start =
+      inventory.GetRun() ? inventory.GetRun()->FindProperty("StartTime") : nullptr;
+  if (!start || start->GetType() != TCIMValue::TCIMType::TypeDateTime || start->GetValue().IsNull())
+    return name;
+  return fmt::format("{}, collected {}", name, MomentText(start->GetValue()));
+}
+
+std::string Counted(std::size_t count, const std::string& what) {
+  return fmt::format("{} {}{}", count, what, count == 1 ? "" : "s");
+}
+
+TAnchors::TAnchors(const TInventory& inventory) {
+  std::unordered_map<std::string, std::size_t> uses;
+  for (const TCIMClass* cls : inventory.AllClasses()) {
+    for (const TCIMInstance* instance : cls->EnumerateInstances(false)) {
+      std::string anchor = AnchorText(ShortPath(instance->BuildPath()));
+      const std::size_t use = ++uses[anchor];
+      if (use > 1) anchor += fmt::format("~~{}", use);  // as no text does
+      fAnchors.emplace(instance, std::move(anchor));
+    }
+  }
+}
+
+TMarkup TAnchors::LinkTo(const TCIMInstance& instance) const {
+  return Markup("<a href=\"#{}\">{}</a>", Of(instance), Printable(TitleOf(instance.BuildPath())));
+}
+
+TMarkup TAnchors::LinkTo(const TCIMReference& path) const {
+  try {
+    const auto* instance = dynamic_cast<const TCIMInstance*>(path.GetCIMElement());
+    if (instance && fAnchors.count(instance) != 0) return LinkTo(*instance);
+  } catch (const TZELException&) {
+    // It is not there.
+  }
+  return Markup("{}", Printable(path.GetPath()));
+}
+
+TMarkup ValueMarkup(const TCIMProperty& property, const TAnchors& anchors) {
+  const TCIMValue value = property.GetValue();
+  if (!value.IsNull() && !value.IsArray()) {
+    if (value.IsReference()) return anchors.LinkTo(static_cast<TCIMReference>(value));
+    if (value.GetType() == TCIMValue::TCIMType::TypeDateTime) {
+      const TCIMDateTime moment = value;
+      if (!moment.IsNull() && !moment.IsInterval()) return Markup("{}", MomentText(moment));
+    }
+  }
+  return Markup("{}", PropertyText(property));
+}
+
+}  // namespace zel

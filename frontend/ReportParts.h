@@ -1,0 +1,72 @@
+#pragma once
+
+#include <ostream>
+#include <string>
+#include <unordered_map>
+
+#include "frontend/Html.h"
+
+// The parts of the report page, which Report.cpp puts together.
+
+class TCIMClass;
+class TCIMDateTime;
+class TCIMInstance;
+class TCIMProperty;
+class TCIMQualifier;
+class TCIMReference;
+
+namespace zel {
+
+class TInventory;
+struct TComparison;
+struct TSection;
+
+// The text of a qualifier that is one; empty when there is none.
+std::string TextOf(const TCIMQualifier* qualifier);
+
+// "Cache memory", for KVRSG_CacheMemory without a DISPLAYNAME.
+std::string TitleOf(const TCIMClass& cls);
+// "Cache memory L1d-0": the class, and the keys that tell its instances apart.
+std::string TitleOf(const TCIMReference& path);
+
+// "captured.xml.gz, collected 2026-11-21 12:19:01 +00:00"; a redacted one's file is not named.
+std::string NameOf(const TInventory& inventory);
+// "2026-11-21 12:19:01 +00:00"
+std::string MomentText(const TCIMDateTime& moment);
+
+// "1 instance", "2 instances".
+std::string Counted(std::size_t count, const std::string& what);
+
+// Where the instances stand on the page: an anchor for each, made of its object path.
+class TAnchors {
+ public:
+  explicit TAnchors(const TInventory& inventory);
+
+  // The instance must be one of the inventory.
+  const std::string& Of(const TCIMInstance& instance) const { return fAnchors.at(&instance); }
+
+  // What `path` names, as a link when it is on the page, else as the path.
+  TMarkup LinkTo(const TCIMReference& path) const;
+  TMarkup LinkTo(const TCIMInstance& instance) const;
+
+ private:
+  std::unordered_map<const TCIMInstance*, std::string> fAnchors;
+};
+
+// The anchor of a section.
+std::string AnchorOf(const TSection& section);
+
+// The property's value as it is shown, or why there is none.
+TMarkup ValueMarkup(const TCIMProperty& property, const TAnchors& anchors);
+
+// The section's classes: a list of facts for one instance, a table for several. What links others
+// comes last, folded away.
+void WriteSection(const TSection& section, const TInventory& inventory, const TAnchors& anchors,
+                  std::ostream& out);
+
+// What differs between `before` and the inventory on the page.
+void WriteChanges(const TInventory& before, const TComparison& comparison, const TAnchors& anchors,
+                  std::ostream& out);
+inline constexpr char kChangesAnchor[] = "changes";
+
+}  // namespace zel
