@@ -13,10 +13,56 @@ namespace {
 // What a command does beyond its line in the table; a blank line between paragraphs.
 const std::map<std::string, std::string> kDetails = {
     {"collect",
-     "Loads every plug-in in a child process with a deadline of its own, asks it for the classes "
-     "that its document declares, and shows the result. A plug-in that fails costs its own classes "
-     "and nothing else: the rest is shown, the failure is reported, and the exit code is 3.\n\n"
-     "Facts that only root can read are said to need root; nothing is guessed."},
+     "Loads every plug-in in a child process with a deadline of its own, asks it for the "
+     "classes that its document declares, and shows the result. A plug-in that fails costs "
+     "its own classes and nothing else: the rest is shown, the failure is reported, and "
+     "the exit code is 3.\n\n"
+     "Facts that only root can read are said to need root; nothing is guessed. With an "
+     "output file the collection is saved as CIM-XML, with its schema, the run and what "
+     "came of every plug-in; the file is there whole or not at all."},
+    {"show",
+     "Shows a saved collection, or this machine when no file is named: a summary, or the "
+     "classes and sections that are named. An argument that is there as a file, holds a "
+     "slash, or ends in .xml or .gz is the file; a dash is standard input.\n\n"
+     "Tables have the columns that the schema names, lists have every property. Values "
+     "have their units and words unless they are wanted raw."       },
+    {"get",
+     "Prints the values of one property of all instances of a class and of its subclasses, "
+     "one a line and without any decoration, for scripts. A value that is missing gives no "
+     "line; when there is none at all, the exit code is 1."         },
+    {"tree",
+     "Prints what is associated with the system, with that in turn, and so on: from the "
+     "machine down to its devices. What has been shown before is named again but not "
+     "followed."                                                    },
+    {"diff",
+     "Compares two saved collections, or a saved one with this machine, instance by "
+     "instance and property by property. Values that change from one moment to the next "
+     "are left out unless they are asked for. A class that was not collected on one side "
+     "is named as not compared: it never counts as removed."        },
+    {"report",
+     "Writes one HTML page that needs nothing else: no network, no other file. It can be "
+     "searched and sorted in a browser, and prints well."           },
+    {"upload",
+     "Sends a file to an FTP server, and says where before it does. FTP is not encrypted: "
+     "whoever is on the way can read what is sent, so a collection should be redacted "
+     "first."                                                       },
+    {"schema",
+     "Lists the classes that the base schema and the documents of the plug-ins declare, by "
+     "section, or explains classes: their keys, and every property with its type, unit, "
+     "words and source. No plug-in is run."                         },
+    {"plugins",
+     "Loads every plug-in in a child process, without collecting anything, and tells its "
+     "version, its file, its state and its classes. The exit code is 3 when one of them "
+     "does not work."                                               },
+    {"validate",
+     "Reads a CIM-XML document as zel would, prints what the reader logs with the line, "
+     "and then what it takes without a word although a person should know: numbers that "
+     "were cut, datetimes that were replaced, text after the end, and more. A strict "
+     "parser reads the same document beside it. The exit code is 4 when there is anything "
+     "to tell."                                                     },
+    {"completion",
+     "Prints what makes a shell complete the commands and options of zel on Tab. It is "
+     "made from the table of options of the command itself."        },
 };
 
 // Text in which nothing is a request or an escape.
