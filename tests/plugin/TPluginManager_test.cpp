@@ -160,18 +160,24 @@ TEST(PluginManager, DoesNotWaitForADocumentThatIsNoFile) {
 }
 
 TEST(PluginManager, NeedsTheDeclarationsOfTheTwoQualifiers) {
-  const PluginDir plugins;
-  TContainer& schema = PluginDir::Schema();
-  schema.RemoveQualifierDecl(*schema.GetQualifierDecl("PLUGINVERSION"));
-  EXPECT_EQ("zelStatusNotFound", StatusOf([&] { plugins.Load("good"); }));
-  EXPECT_EQ("Couldn't find PLUGINNAME/PLUGINVERSION qualifier decl", LastLogLine());
-  EXPECT_EQ(zelLogError, LastLogSeverity());
+  for (const char* missing : {"PLUGINNAME", "PLUGINVERSION"}) {
+    SCOPED_TRACE(missing);
+    RestartLog();
+    const PluginDir plugins;
+    TContainer& schema = PluginDir::Schema();
+    schema.RemoveQualifierDecl(*schema.GetQualifierDecl(missing));
+    EXPECT_EQ("zelStatusNotFound", StatusOf([&] { plugins.Load("good"); }));
+    EXPECT_EQ("Couldn't find PLUGINNAME/PLUGINVERSION qualifier decl", LastLogLine());
+    EXPECT_EQ(zelLogError, LastLogSeverity());
+    EXPECT_TRUE(schema.GetClass("Good_Thing")->EnumerateQualifiers().empty());
 
-  // The document was read by then, so the plug-in is asked for its classes all the same.
-  const IPlugin& plugin = *PluginDir::Manager().GetPluginsContainer().front();
-  EXPECT_EQ(4u, plugin.GetClassesCollected().size());
-  PluginDir::Query({"Good_Thing"});
-  EXPECT_EQ(2u, schema.GetClass("Good_Thing")->EnumerateInstances(false).size());
+    // The document was read by then, so the plug-in is asked for its classes all the same.
+    const IPlugin& plugin = *PluginDir::Manager().GetPluginsContainer().front();
+    EXPECT_EQ(4u, plugin.GetClassesCollected().size());
+    PluginDir::Query({"Good_Thing"});
+    EXPECT_EQ(2u, schema.GetClass("Good_Thing")->EnumerateInstances(false).size());
+    delete TQueryManager::GetInstance();
+  }
 }
 
 TEST(PluginManager, KeepsAStampThatTheDocumentBroughtAlong) {

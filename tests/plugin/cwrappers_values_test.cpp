@@ -121,6 +121,10 @@ TEST_F(Datetime, IsSetFromText) {
 
 TEST_F(Datetime, KeepsItsValueWhenANewOneIsRefused) {
   zelSetDateTime(fDatetime, 2004, 3, 15, 14, 25, 30, 0, -300);
+  {
+    const TimeZone zone("UTC");  // the second before the epoch: mktime() answers -1
+    EXPECT_EQ(zelStatusInvalidDateTime, zelSetDateTime(fDatetime, 1969, 12, 31, 23, 59, 59, 0, 0));
+  }
   EXPECT_EQ(zelStatusInvalidDateTime, zelSetDateTimeInterval(fDatetime, 1, 24, 0, 0, 0));
   EXPECT_EQ(zelStatusInvalidDateTime, zelSetDateTimeInterval(fDatetime, 1, 0, 60, 0, 0));
   EXPECT_EQ(zelStatusInvalidDateTime, zelSetDateTimeInterval(fDatetime, 1, 0, 0, 60, 0));
