@@ -4,9 +4,12 @@
 #include "frontend/Inventory.h"
 #include "frontend/Listing.h"
 #include "frontend/Options.h"
+#include "frontend/OutputFile.h"
+#include "frontend/OutputPath.h"
 #include "frontend/Redaction.h"
 #include "frontend/Summary.h"
 #include "frontend/ValueText.h"
+#include "zelcore/zelcore.h"
 
 namespace zel {
 namespace {
@@ -35,31 +38,62 @@ class TCollectCommand : public TCommand {
         .add_option("--class", fNames,
                     "Print every instance of these classes, of their subclasses, or of sections")
         ->type_name("NAME");
-    AddChoice(options, "--format", fFormat, kFormats, "How to print");
+    CLI::Option* format = AddChoice(options, "--format", fFormat, kFormats, "How to print");
+    fSave =
+        options
+            .add_option("-o,--output", fOutput,
+                        "Save it as CIM-XML: compressed to a name in .gz, - to standard output, "
+                        "without a name to HOST-TIME.xml.gz")
+            ->type_name("FILE")
+            ->expected(0, 1)
+            ->excludes(format);
     AddRedactOption(options, fRedact);
   }
 
   TExitCode Run(TStreams& streams) override {
+    fOptions.progress = &streams;
     TInventory inventory = TInventory::Collect(fOptions, fNames);
     if (fRedact) Redact({&inventory});
-    const std::vector<TCIMClass*> classes =
-        fNames.empty() ? inventory.AllClasses() : inventory.Resolve(fNames);
-    if (fFormat == TFormat::kJson) {
-      PrintJson(inventory, classes, streams.out);
-    } else if (fNames.empty()) {
-      PrintSummary(inventory, streams.out);
+    if (*fSave) {
+      Save(inventory, streams);
     } else {
-      PrintList(classes, streams.out);
+      Print(inventory, streams.out);
     }
     ReportFailures(inventory, streams.err);
     return inventory.IsPartial() ? kExitPartial : kExitDone;
   }
 
  private:
+  void Print(const TInventory& inventory, std::ostream& out) const {
+    const std::vector<TCIMClass*> classes =
+        fNames.empty() ? inventory.AllClasses() : inventory.Resolve(fNames);
+    if (fFormat == TFormat::kJson) {
+      PrintJson(inventory, classes, out);
+    } else if (fNames.empty()) {
+      PrintSummary(inventory, out);
+    } else {
+      PrintList(classes, out);
+    }
+  }
+
+  void Save(const TInventory& inventory, TStreams& streams) const {
+    const std::string path = OutputPath(fOutput, inventory, ".xml.gz");
+    TOutputFile file(path, streams.out);
+    const auto compression = EndsIn(path, ".gz") ? TCIMXMLWriter::ECompression::kGzip
+                                                 : TCIMXMLWriter::ECompression::kNone;
+    TCIMXMLWriter(file.GetStream(), compression).WriteContainer(inventory.GetContainer());
+    file.Commit();
+    if (path == "-") return;
+    streams.err << fmt::format("saved {} ({}{}): {}\n", Printable(path), BytesText(file.GetSize()),
+                               inventory.IsRedacted() ? ", redacted" : "", OutcomeText(inventory));
+  }
+
   TCollectionOptions fOptions;
   std::vector<std::string> fNames;  // empty: all, and the summary as text
   TFormat fFormat = TFormat::kText;
   bool fRedact = false;
+  CLI::Option* fSave = nullptr;
+  std::string fOutput;
 };
 
 }  // namespace

@@ -7,18 +7,21 @@
 
 #include <algorithm>
 #include <cerrno>
+#include <filesystem>
 #include <set>
 #include <sstream>
 
 #include "frontend/ExitCode.h"
 #include "frontend/Locations.h"
 #include "frontend/Log.h"
+#include "frontend/Progress.h"
 #include "frontend/RunRecord.h"
 #include "zelcore/zelcore.h"
 
 namespace zel {
 namespace {
 
+namespace fs = std::filesystem;
 using TSteady = std::chrono::steady_clock;
 
 void Stamp(TCIMClass& cls, const char* qualifier, const std::string& value) {
@@ -113,6 +116,7 @@ void TCollection::PutSystemFirst() {
 }
 
 void TCollection::Collect(const std::vector<TCIMClass*>& classes) {
+  std::vector<TQuestion> questions;
   for (const TFoundPlugin& plugin : fPlugins) {
     std::vector<std::string> names;
     for (TCIMClass* cls : plugin.classes) {
@@ -122,24 +126,37 @@ void TCollection::Collect(const std::vector<TCIMClass*>& classes) {
     }
     // A plug-in without a document that could be read is run to learn what is wrong with it.
     if (names.empty() && !plugin.document.empty()) continue;
-    Ask(plugin, names);
+    questions.push_back({&plugin, std::move(names)});
   }
+  AskAll("collecting", questions);
   RecordRun(*fSchema, fOutcomes, fStart,
             std::chrono::duration_cast<std::chrono::microseconds>(TSteady::now() - fSteadyStart));
 }
 
 void TCollection::Probe() {
-  for (const TFoundPlugin& plugin : fPlugins) Ask(plugin, {});
+  std::vector<TQuestion> questions;
+  for (const TFoundPlugin& plugin : fPlugins) questions.push_back({&plugin, {}});
+  AskAll("loading", questions);
 }
 
-void TCollection::Ask(const TFoundPlugin& plugin, const std::vector<std::string>& classNames) {
+void TCollection::AskAll(const char* what, const std::vector<TQuestion>& questions) {
+  TProgress progress(fOptions.progress);
+  for (const TQuestion& question : questions) {
+    const std::string name = fs::path(question.plugin->display).parent_path().filename();
+    const std::string line = fmt::format("{}: {} ({} of {})", what, name,
+                                         &question - questions.data() + 1, questions.size());
+    Ask(question, [&] { progress.Show(line); });
+  }
+}
+
+void TCollection::Ask(const TQuestion& question, const std::function<void()>& tick) {
   const TSteady::time_point start = TSteady::now();
-  TPluginOutcome outcome =
-      RunInChild(plugin.display, fOptions.deadline,
-                 [&](TPluginOutcome& answer) { Work(plugin, classNames, answer); });
-  outcome.classes = classNames;
+  TPluginOutcome outcome = RunInChild(
+      question.plugin->display, fOptions.deadline,
+      [&](TPluginOutcome& answer) { Work(*question.plugin, question.classNames, answer); }, tick);
+  outcome.classes = question.classNames;
   outcome.duration = std::chrono::duration_cast<std::chrono::microseconds>(TSteady::now() - start);
-  Keep(plugin, std::move(outcome));
+  Keep(*question.plugin, std::move(outcome));
 }
 
 // In the child: loads the plug-in into a manager of its own, which knows the other documents and

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <chrono>
+#include <functional>
 #include <memory>
 #include <string>
 #include <vector>
@@ -13,12 +14,15 @@
 
 namespace zel {
 
+struct TStreams;
+
 struct TCollectionOptions {
   std::string pluginDirectory;  // empty: the default
   std::string baseSchema;       // empty: the default
   std::string logFile;          // empty: none
   zelLogSeverity logLevel = zelLogStatus;
   std::chrono::milliseconds deadline{30000};  // for each plug-in
+  TStreams* progress = nullptr;               // where to tell how far it is; null: nowhere
 };
 
 // A plug-in as found on disk.
@@ -27,6 +31,12 @@ struct TFoundPlugin {
   std::string display;  // for people
   std::string document;
   std::vector<TCIMClass*> classes;  // what the document declares
+};
+
+// What to ask a plug-in for.
+struct TQuestion {
+  const TFoundPlugin* plugin;
+  std::vector<std::string> classNames;
 };
 
 // One collection of this machine: the schema, the instances, and what came of every plug-in.
@@ -59,7 +69,8 @@ class TCollection {
   void FindPlugins(const std::string& directory);
   void ReadDocuments();
   void PutSystemFirst();
-  void Ask(const TFoundPlugin& plugin, const std::vector<std::string>& classNames);
+  void AskAll(const char* what, const std::vector<TQuestion>& questions);
+  void Ask(const TQuestion& question, const std::function<void()>& tick);
   void Work(const TFoundPlugin& plugin, const std::vector<std::string>& classNames,
             TPluginOutcome& outcome);
   void Keep(const TFoundPlugin& plugin, TPluginOutcome outcome);

@@ -253,16 +253,17 @@ bool FlagOf(const TCIMInstance& instance, const char* property) {
   return !value.IsNull() && !value.IsArray() && static_cast<bool>(value);
 }
 
+bool EndsIn(const std::string& text, const std::string& end) {
+  return text.size() > end.size() && text.compare(text.size() - end.size(), end.size(), end) == 0;
+}
+
 std::string TakeFile(std::vector<std::string>& arguments) {
   if (arguments.empty()) return "";
   const std::string first = arguments.front();
-  const auto endsIn = [&](const std::string& end) {
-    return first.size() > end.size() &&
-           first.compare(first.size() - end.size(), end.size(), end) == 0;
-  };
   struct stat status = {};
-  const bool isFile = first == "-" || first.find('/') != std::string::npos || endsIn(".xml") ||
-                      endsIn(".gz") || stat(first.c_str(), &status) == 0;
+  const bool isFile = first == "-" || first.find('/') != std::string::npos ||
+                      EndsIn(first, ".xml") || EndsIn(first, ".gz") ||
+                      stat(first.c_str(), &status) == 0;
   if (!isFile) return "";
   arguments.erase(arguments.begin());
   return first;

@@ -92,6 +92,9 @@ std::string TextOf(const TCIMInstance& instance, const char* property,
                    const std::string& otherwise = "");
 bool FlagOf(const TCIMInstance& instance, const char* property);
 
+// Whether `text` is something and then `end`.
+bool EndsIn(const std::string& text, const std::string& end);
+
 // Takes the first of `arguments` away when it names a file rather than a class or section: when it
 // is "-", holds a '/', ends in ".xml" or ".gz", or is there. Empty when it does not.
 std::string TakeFile(std::vector<std::string>& arguments);

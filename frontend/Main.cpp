@@ -42,7 +42,8 @@ struct TCommandRow {
 // In the order of the help.
 const std::vector<TCommandRow> kCommands = {
     {"collect",
-     "Collect this machine and print a summary, or all there is of some classes",          {"zel collect", "zel collect --class KVRSG_Processor KVRSG_Memory --format json"},
+     "Collect this machine: print a summary or all of some classes, or save it",           {"zel collect -o web01.xml.gz",
+      "zel collect --class KVRSG_Processor KVRSG_Memory --format json"},
      MakeCollectCommand   },
     {"tree",
      "Show what the system consists of, as a tree",                                        {"zel tree", "zel tree server.xml.gz --from KVRSG_Processor --depth 2"},
@@ -184,7 +185,7 @@ int Main(int argc, const char* const* argv, TStreams streams) {
     code = kExitBadInput;
   }
   streams.out.flush();
-  if (!streams.out) {
+  if (!streams.out && code != kExitNotWritten) {
     streams.err << "zel: the output could not be written; is the disk full?\n";
     code = kExitNotWritten;
   }

@@ -1,41 +1,46 @@
 #pragma once
 
+#include <cstdint>
+#include <memory>
+#include <ostream>
 #include <string>
-#include <string_view>
-
-#include "frontend/Descriptor.h"
 
 namespace zel {
 
 // A file that is there whole or not at all: it gets its name, and takes the place of what had it,
-// when it is complete and on the disk. Mode 0600. "-" is standard output, to which none of this
-// applies.
+// when it is complete and on the disk. Until then nothing can be seen of it, and nothing is left of
+// it without Commit(), not even by SIGINT, SIGTERM or SIGHUP. Mode 0600.
 //
-// All operations throw TCommandError (kExitNotWritten) that says why and what to do.
+// "-" stands for `standardOutput`. To that, and to a path that leads to a pipe or a device, none of
+// this applies.
+//
+// All operations, those on the stream included, throw TCommandError (kExitNotWritten) that says why
+// and what to do.
 class TOutputFile {
  public:
-  explicit TOutputFile(std::string path);
-  // Without Commit() nothing is left of it.
+  TOutputFile(const std::string& path, std::ostream& standardOutput);
   ~TOutputFile();
   TOutputFile(const TOutputFile&) = delete;
   TOutputFile& operator=(const TOutputFile&) = delete;
 
-  bool IsStandardOutput() const { return fPath == "-"; }
-  int GetDescriptor() const;
-  void Write(std::string_view text);
+  std::ostream& GetStream() { return fStream; }
   void Commit();
 
-  // For a failure that `errno` tells of.
-  [[noreturn]] void Fail() const;
+  // How many bytes have gone out.
+  std::uint64_t GetSize() const;
 
  private:
-  void OpenNamed();
-  void GiveName();
+  class TTarget;
+  class TStandardOutput;
+  class TDirect;
+  class TReplacement;
+  class TBuffer;
 
-  std::string fPath;
-  std::string fDirectory;
-  std::string fTemporary;  // the name that it has for now; empty: none
-  TDescriptor fFile;
+  static std::unique_ptr<TTarget> Open(const std::string& path, std::ostream& standardOutput);
+
+  std::unique_ptr<TTarget> fTarget;
+  std::unique_ptr<TBuffer> fBuffer;
+  std::ostream fStream;
 };
 
 }  // namespace zel

@@ -65,8 +65,10 @@ void WriteAll(int fd, const std::string& text) {
   }
 }
 
-[[noreturn]] void Serve(int answer, const std::function<void(TPluginOutcome&)>& work) {
+[[noreturn]] void Serve(pid_t parent, int answer,
+                        const std::function<void(TPluginOutcome&)>& work) {
   prctl(PR_SET_PDEATHSIG, SIGKILL);
+  if (getppid() != parent) _exit(0);  // it has gone already
   // What a plug-in prints must not end up in the data.
   const TDescriptor null(open("/dev/null", O_RDONLY | O_CLOEXEC));
   dup2(null.Get(), STDIN_FILENO);
@@ -84,15 +86,19 @@ void WriteAll(int fd, const std::string& text) {
 }
 
 // Reads to the end; false when the deadline came first.
-bool ReadUntil(int fd, TClock::time_point deadline, std::string& text) {
+bool ReadUntil(int fd, TClock::time_point deadline, const std::function<void()>& tick,
+               std::string& text) {
+  constexpr std::chrono::milliseconds kTick{100};
   char block[65536];
   for (;;) {
+    tick();
     const auto left =
         std::chrono::duration_cast<std::chrono::milliseconds>(deadline - TClock::now());
     pollfd waiting = {fd, POLLIN, 0};
-    const int ready = poll(&waiting, 1, std::max(0, static_cast<int>(left.count())));
+    const int ready = poll(&waiting, 1, static_cast<int>(std::clamp(left, {}, kTick).count()));
     if (ready < 0 && errno == EINTR) continue;
-    if (ready <= 0) return false;
+    if (ready < 0 || (ready == 0 && left <= kTick)) return false;
+    if (ready == 0) continue;
     const ssize_t count = read(fd, block, sizeof block);
     if (count < 0 && errno == EINTR) continue;
     if (count <= 0) return true;
@@ -128,7 +134,8 @@ std::string TPluginOutcome::Name() const {
 }
 
 TPluginOutcome RunInChild(const std::string& path, std::chrono::milliseconds deadline,
-                          const std::function<void(TPluginOutcome&)>& work) {
+                          const std::function<void(TPluginOutcome&)>& work,
+                          const std::function<void()>& tick) {
   TPluginOutcome outcome;
   outcome.path = path;
   int ends[2];
@@ -139,16 +146,17 @@ TPluginOutcome RunInChild(const std::string& path, std::chrono::milliseconds dea
   const TDescriptor reading(ends[0]);
   TDescriptor writing(ends[1]);
   const TClock::time_point end = TClock::now() + deadline;
+  const pid_t self = getpid();
   const pid_t child = fork();
   if (child < 0) {
     outcome.fault = fmt::format("no process: {}", strerror(errno));
     return outcome;
   }
-  if (child == 0) Serve(writing.Get(), work);
+  if (child == 0) Serve(self, writing.Get(), work);
   writing.Close();
 
   std::string answer;
-  const bool inTime = ReadUntil(reading.Get(), end, answer);
+  const bool inTime = ReadUntil(reading.Get(), end, tick, answer);
   if (!inTime) kill(child, SIGKILL);
   const int status = WaitFor(child);
   if (!inTime) {

@@ -45,8 +45,9 @@ struct TPluginOutcome {
 
 // Runs `work` in a child process and returns what it filled in. The child is killed when it takes
 // longer than `deadline`; whatever happens to it ends up in `fault`. The child writes nothing to
-// this process's standard output.
+// this process's standard output. While it works, `tick` is called about ten times a second.
 TPluginOutcome RunInChild(const std::string& path, std::chrono::milliseconds deadline,
-                          const std::function<void(TPluginOutcome&)>& work);
+                          const std::function<void(TPluginOutcome&)>& work,
+                          const std::function<void()>& tick);
 
 }  // namespace zel

@@ -24,6 +24,7 @@ class TPluginsCommand : public TCommand {
   explicit TPluginsCommand(CLI::App& options) { AddCollectionOptions(options, fOptions); }
 
   TExitCode Run(TStreams& streams) override {
+    fOptions.progress = &streams;
     TCollection collection(fOptions);
     collection.Probe();
     for (const TPluginOutcome& outcome : collection.GetOutcomes()) {

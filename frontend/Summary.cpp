@@ -184,14 +184,30 @@ class TSummary {
   std::vector<TFactGroup> fGroups;
 };
 
-// By whom, of how much, and how long it took.
-void PrintOutcome(const TInventory& inventory, std::ostream& out) {
+}  // namespace
+
+std::vector<TFactGroup> FactsOf(const TInventory& inventory) {
+  return TSummary(inventory).TakeGroups();
+}
+
+void PrintSummary(const TInventory& inventory, std::ostream& out) {
+  for (const TFactGroup& group : FactsOf(inventory)) {
+    out << group.heading << "\n";
+    for (const TFact& fact : group.facts) {
+      out << fmt::format("  {:<22}  {}\n", fact.label, fact.text);
+    }
+  }
   for (const TCIMInstance* product : InstancesOf(inventory.GetContainer(), "KVRSG_VNTProduct")) {
     out << fmt::format("Collected by {} {}\n", Fact(*product, "Name", PropertyText),
                        Fact(*product, "Version", PropertyText));
   }
+  const std::string outcome = OutcomeText(inventory);
+  if (!outcome.empty()) out << "\n" << outcome << "\n";
+}
+
+std::string OutcomeText(const TInventory& inventory) {
   const TCIMInstance* run = inventory.GetRun();
-  if (!run) return;
+  if (!run) return "";
   std::size_t answered = 0;
   std::size_t classes = 0;
   std::size_t instances = 0;
@@ -206,25 +222,9 @@ void PrintOutcome(const TInventory& inventory, std::ostream& out) {
       instances += count;
     }
   }
-  out << fmt::format("\n{}, {}, {} in {} ms\n", Counted(answered, "plug-in"),
+  return fmt::format("{}, {}, {} in {} ms", Counted(answered, "plug-in"),
                      classes == 1 ? "1 class" : fmt::format("{} classes", classes),
                      Counted(instances, "instance"), TextOf(*run, "Duration"));
-}
-
-}  // namespace
-
-std::vector<TFactGroup> FactsOf(const TInventory& inventory) {
-  return TSummary(inventory).TakeGroups();
-}
-
-void PrintSummary(const TInventory& inventory, std::ostream& out) {
-  for (const TFactGroup& group : FactsOf(inventory)) {
-    out << group.heading << "\n";
-    for (const TFact& fact : group.facts) {
-      out << fmt::format("  {:<22}  {}\n", fact.label, fact.text);
-    }
-  }
-  PrintOutcome(inventory, out);
 }
 
 }  // namespace zel

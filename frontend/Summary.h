@@ -24,4 +24,7 @@ std::vector<TFactGroup> FactsOf(const TInventory& inventory);
 // The machine on one screen, and how much was collected.
 void PrintSummary(const TInventory& inventory, std::ostream& out);
 
+// "5 plug-ins, 27 classes, 100 instances in 57 ms"; empty for a document that does not tell.
+std::string OutcomeText(const TInventory& inventory);
+
 }  // namespace zel
