@@ -50,6 +50,7 @@ class TDiffCommand : public TCommand {
   }
 
   TExitCode Run(TStreams& streams) override {
+    fCollection.progress = &streams;
     if (fOld == "-" && fNew == "-") {
       throw TCommandError(kExitUsage,
                           "standard input can be one of the two only; name a file as the other");

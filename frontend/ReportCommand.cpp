@@ -28,6 +28,7 @@ class TReportCommand : public TCommand {
   }
 
   TExitCode Run(TStreams& streams) override {
+    fOptions.progress = &streams;
     TInventory inventory = fFile.empty() ? TInventory::Collect(fOptions) : TInventory::Read(fFile);
     std::ostringstream page;
     if (fOld.empty()) {
@@ -44,13 +45,10 @@ class TReportCommand : public TCommand {
 
  private:
   void Save(const std::string& page, TStreams& streams) const {
-    if (fOutput == "-") {
-      streams.out << page;
-      return;
-    }
-    TOutputFile file(fOutput);
-    file.Write(page);
+    TOutputFile file(fOutput, streams.out);
+    file.GetStream() << page;
     file.Commit();
+    if (fOutput == "-") return;
     streams.err << fmt::format("saved {} ({})\n", Printable(fOutput), BytesText(page.size()));
   }
 

@@ -90,6 +90,7 @@ class TTreeCommand : public TCommand {
   }
 
   TExitCode Run(TStreams& streams) override {
+    fCollection.progress = &streams;
     TInventory inventory =
         fFile.empty() ? TInventory::Collect(fCollection) : TInventory::Read(fFile);
     TInstances start = fFrom.empty() ? FindSystems(inventory) : FindStart(inventory, fFrom);
