@@ -7,8 +7,10 @@
 #include "frontend/Inventory.h"
 #include "frontend/Options.h"
 #include "frontend/OutputFile.h"
+#include "frontend/OutputPath.h"
 #include "frontend/Redaction.h"
 #include "frontend/Report.h"
+#include "frontend/Summary.h"
 #include "frontend/ValueText.h"
 
 namespace zel {
@@ -17,19 +19,27 @@ namespace {
 class TReportCommand : public TCommand {
  public:
   explicit TReportCommand(CLI::App& options) {
-    options.add_option("FILE", fFile, "A saved collection; this machine without it");
-    options.add_option("--diff", fOld, "Begin with what changed since this saved collection")
+    options.add_option("FILE", fFile, "A saved collection; this machine when it is not given")
         ->type_name("FILE");
-    options.add_option("-o,--output", fOutput, "Write the page to this file (-: standard output)")
-        ->type_name("FILE")
-        ->required();
+    options.add_option("--diff", fOld, "Begin with what has changed since this saved collection")
+        ->type_name("OLD-FILE");
+    options
+        .add_option("-o,--output", fOutput,
+                    "Write it here, - to standard output, without a name to HOST-TIME.html")
+        ->type_name("FILE");
     AddRedactOption(options, fRedact);
-    AddCollectionOptions(options, fOptions);
+    AddCollectionOptions(options, fCollection);
   }
 
   TExitCode Run(TStreams& streams) override {
-    fOptions.progress = &streams;
-    TInventory inventory = fFile.empty() ? TInventory::Collect(fOptions) : TInventory::Read(fFile);
+    if (fFile == "-" && fOld == "-") {
+      throw TCommandError(kExitUsage,
+                          "standard input can be one of the two only; name a file as the other");
+    }
+    fCollection.progress = &streams;
+    TInventory inventory =
+        fFile.empty() ? TInventory::Collect(fCollection) : TInventory::Read(fFile);
+    // Whole before any of it is written: what is wrong with a document may show late.
     std::ostringstream page;
     if (fOld.empty()) {
       if (fRedact) Redact({&inventory});
@@ -39,20 +49,22 @@ class TReportCommand : public TCommand {
       if (fRedact) Redact({&before, &inventory});
       WriteReport(before, inventory, Compare(before, inventory), page);
     }
-    Save(page.str(), streams);
-    return inventory.IsPartial() ? kExitPartial : kExitDone;
+    Save(inventory, page.str(), streams);
+    return fFile.empty() && inventory.IsPartial() ? kExitPartial : kExitDone;
   }
 
  private:
-  void Save(const std::string& page, TStreams& streams) const {
-    TOutputFile file(fOutput, streams.out);
+  void Save(const TInventory& inventory, const std::string& page, TStreams& streams) const {
+    const std::string path = OutputPath(fOutput, inventory, ".html");
+    TOutputFile file(path, streams.out);
     file.GetStream() << page;
     file.Commit();
-    if (fOutput == "-") return;
-    streams.err << fmt::format("saved {} ({})\n", Printable(fOutput), BytesText(page.size()));
+    if (path == "-") return;
+    streams.err << fmt::format("saved {} ({}{})\n", Printable(path), BytesText(file.GetSize()),
+                               inventory.IsRedacted() ? ", redacted" : "");
   }
 
-  TCollectionOptions fOptions;
+  TCollectionOptions fCollection;
   std::string fFile;
   std::string fOld;
   std::string fOutput;

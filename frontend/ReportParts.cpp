@@ -1,7 +1,5 @@
 #include "frontend/ReportParts.h"
 
-#include <cstdlib>
-
 #include "frontend/Columns.h"
 #include "frontend/Inventory.h"
 #include "frontend/ValueText.h"
@@ -61,21 +59,12 @@ std::string TitleOf(const TCIMReference& path) {
   return TitleWith(path, [](const TCIMReference& key) { return TitleWith(key, nullptr); });
 }
 
-std::string MomentText(const TCIMDateTime& moment) {
-  const int offset = moment.GetUTCOffset();
-  return fmt::format("{:04}-{:02}-{:02} {:02}:{:02}:{:02} {}{:02}:{:02}", moment.GetYear(),
-                     moment.GetMonth(), moment.GetDay(), moment.GetHour(), moment.GetMinute(),
-                     moment.GetSecond(), offset < 0 ? '-' : '+', std::abs(offset) / 60,
-                     std::abs(offset) % 60);
-}
-
 std::string NameOf(const TInventory& inventory) {
-  const std::string name = inventory.IsRedacted() ? "a redacted collection" : inventory.GetTitle();
   const TCIMProperty* start =
       inventory.GetRun() ? inventory.GetRun()->FindProperty("StartTime") : nullptr;
-  if (!start || start->GetType() != TCIMValue::TCIMType::TypeDateTime || start->GetValue().IsNull())
-    return name;
-  return fmt::format("{}, collected {}", name, MomentText(start->GetValue()));
+  const std::string time = start ? MomentText(start->GetValue()) : "";
+  return time.empty() ? inventory.GetTitle()
+                      : fmt::format("{}, collected {}", inventory.GetTitle(), time);
 }
 
 std::string Counted(std::size_t count, const std::string& what) {
@@ -110,14 +99,10 @@ TMarkup TAnchors::LinkTo(const TCIMReference& path) const {
 
 TMarkup ValueMarkup(const TCIMProperty& property, const TAnchors& anchors) {
   const TCIMValue value = property.GetValue();
-  if (!value.IsNull() && !value.IsArray()) {
-    if (value.IsReference()) return anchors.LinkTo(static_cast<TCIMReference>(value));
-    if (value.GetType() == TCIMValue::TCIMType::TypeDateTime) {
-      const TCIMDateTime moment = value;
-      if (!moment.IsNull() && !moment.IsInterval()) return Markup("{}", MomentText(moment));
-    }
-  }
-  return Markup("{}", PropertyText(property));
+  const bool isOne = !value.IsNull() && !value.IsArray();
+  if (isOne && value.IsReference()) return anchors.LinkTo(static_cast<TCIMReference>(value));
+  const std::string moment = isOne ? MomentText(value) : "";
+  return Markup("{}", moment.empty() ? PropertyText(property) : moment);
 }
 
 }  // namespace zel

@@ -9,7 +9,6 @@
 // The parts of the report page, which Report.cpp puts together.
 
 class TCIMClass;
-class TCIMDateTime;
 class TCIMInstance;
 class TCIMProperty;
 class TCIMQualifier;
@@ -29,10 +28,8 @@ std::string TitleOf(const TCIMClass& cls);
 // "Cache memory L1d-0": the class, and the keys that tell its instances apart.
 std::string TitleOf(const TCIMReference& path);
 
-// "captured.xml.gz, collected 2026-11-21 12:19:01 +00:00"; a redacted one's file is not named.
+// "captured.xml.gz, collected 2026-11-21 12:19:01"
 std::string NameOf(const TInventory& inventory);
-// "2026-11-21 12:19:01 +00:00"
-std::string MomentText(const TCIMDateTime& moment);
 
 // "1 instance", "2 instances".
 std::string Counted(std::size_t count, const std::string& what);
