@@ -12,9 +12,11 @@
 #include <iterator>
 #include <new>
 
+#include "os/TDescriptor.h"
 #include "tests/support/LogSpy.h"
 #include "tests/support/Status.h"
 #include "tests/support/TempDir.h"
+#include "tests/support/Unprivileged.h"
 #include "zelcore/TCIMClass.h"
 #include "zelcore/TCIMInstance.h"
 #include "zelcore/TCIMReference.h"
@@ -141,14 +143,12 @@ TEST_F(PopulateContainerFromFile, FailsForWhatIsNoFile) {
 }
 
 TEST_F(PopulateContainerFromFile, FailsForAFileThatCannotBeOpened) {
-  for (const char* name : {"socket.xml", "socket.xml.gz"}) {
-    sockaddr_un address{};
-    address.sun_family = AF_UNIX;
-    fDir.PathOf(name).copy(address.sun_path, sizeof address.sun_path - 1);
-    const int socketFd = socket(AF_UNIX, SOCK_STREAM, 0);
-    ASSERT_EQ(0, bind(socketFd, reinterpret_cast<sockaddr*>(&address), sizeof address));
-    EXPECT_EQ("zelStatusFileSystemError", ReadFault(fDir.PathOf(name)));
-    close(socketFd);
+  ASSERT_EQ(0, chmod(fDir.GetPath().c_str(), 0755));
+  for (const char* name : {"closed.xml", "closed.xml.gz"}) {
+    const std::string path = fDir.WriteGzipFile(name, Schema(Class("A")));
+    ASSERT_EQ(0, chmod(path.c_str(), 0));
+    const Unprivileged nobody;
+    EXPECT_EQ("zelStatusFileSystemError", ReadFault(path));
   }
 }
 
@@ -158,6 +158,12 @@ TEST_F(PopulateContainerFromFile, DoesNotWaitForWhatMayNeverEnd) {
     ASSERT_EQ(0, mkfifo(fDir.PathOf(name).c_str(), 0644));
     EXPECT_EQ("zelStatusFileSystemError", ReadFault(fDir.PathOf(name)));
   }
+  const TDescriptor server(socket(AF_UNIX, SOCK_STREAM, 0));
+  sockaddr_un address{};
+  address.sun_family = AF_UNIX;
+  fDir.PathOf("socket.xml").copy(address.sun_path, sizeof address.sun_path - 1);
+  ASSERT_EQ(0, bind(server.Get(), reinterpret_cast<sockaddr*>(&address), sizeof address));
+  EXPECT_EQ("zelStatusFileSystemError", ReadFault(fDir.PathOf("socket.xml")));
   for (const char* device : {"/dev/null", "/dev/zero", "/dev/ptmx"}) {
     EXPECT_EQ("zelStatusFileSystemError", ReadFault(device));
   }
