@@ -5,7 +5,9 @@
 #include <algorithm>
 #include <charconv>
 
+#include "frontend/Inventory.h"
 #include "frontend/ValueCheck.h"
+#include "frontend/ValueText.h"
 #include "zelcore/zelcore.h"
 
 namespace zel {
@@ -29,10 +31,6 @@ auto Find(const std::string& name, TLookUp&& lookUp) -> decltype(lookUp(name)) {
   }
 }
 
-TCIMClass* FindClass(const TContainer& container, const std::string& name) {
-  return Find(name, [&](const std::string& text) { return container.FindClass(text); });
-}
-
 TCIMPropertyDecl* FindDecl(const TCIMClass* cls, const std::string& name) {
   if (!cls) return nullptr;
   return Find(name, [&](const std::string& text) { return cls->FindPropertyDecl(text); });
@@ -48,13 +46,6 @@ TType::ECIMType TypeNamed(const std::string& name) {
   } catch (const TZELException&) {
     return TType::TypeNone;
   }
-}
-
-bool IsKey(const TCIMPropertyDecl& decl) {
-  const TCIMQualifier* key = decl.FindQualifier("KEY");
-  if (!key || key->GetType() != TType::TypeBoolean) return false;
-  const TCIMValue value = key->GetValue();
-  return !value.IsNull() && bool(value);
 }
 
 std::string Lower(std::string text) {
@@ -217,8 +208,8 @@ void TDocumentCheck::StartProperty(TElement& element, const TAttributes& attribu
 
 // An overriding declaration has only the qualifiers that are written in it.
 void TDocumentCheck::EndProperty(const TElement& element) {
-  const bool overridesKey =
-      element.isInClass && element.isOverride && element.decl && IsKey(*element.decl);
+  const bool overridesKey = element.isInClass && element.isOverride && element.decl &&
+                            IsTrue(element.decl->FindQualifier("KEY"));
   if (!overridesKey || element.isKey) return;
   Add(TRule::kKeyLost, element.line, {element.where, element.decl->GetClass()->GetName()});
 }

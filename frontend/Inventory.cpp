@@ -55,26 +55,9 @@ std::vector<TSection> SectionsOf(const TContainer& container) {
   return sections;
 }
 
-// Lower case, without blanks.
-std::string Folded(const std::string& name) {
-  std::string folded;
-  for (const char c : name) {
-    if (c != ' ') folded += 'A' <= c && c <= 'Z' ? static_cast<char>(c - 'A' + 'a') : c;
-  }
-  return folded;
-}
-
 void AddConcrete(TCIMClass* cls, std::vector<TCIMClass*>& classes) {
   if (!cls->IsAbstract() && std::find(classes.begin(), classes.end(), cls) == classes.end()) {
     classes.push_back(cls);
-  }
-}
-
-TCIMClass* FindClass(const TContainer& container, const std::string& name) {
-  try {
-    return name.empty() ? nullptr : container.FindClass(name);
-  } catch (const TZELException&) {
-    return nullptr;  // a text that cannot be a class name
   }
 }
 
@@ -142,7 +125,11 @@ TInventory TInventory::Collect(const TCollectionOptions& options,
   return inventory;
 }
 
-TInventory TInventory::Read(const std::string& path) {
+TInventory TInventory::Declare(const TCollectionOptions& options) {
+  return TInventory(nullptr, std::make_unique<TCollection>(options), "this machine");
+}
+
+TInventory TInventory::Read(const std::string& path, const std::vector<std::string>& bases) {
   StartLog("", zelLogStatus);
   auto container = std::make_unique<TContainer>();
   const bool isInput = path == "-";
@@ -154,6 +141,7 @@ TInventory TInventory::Read(const std::string& path) {
                                               "collection",
                                               title, strerror(errno))));
   }
+  for (const std::string& base : bases) ReadInto(*container, base, base);
   if (isInput) {
     const TDescriptor input = KeepInput();
     ReadInto(*container, fmt::format("/proc/self/fd/{}", input.Get()), title);
@@ -238,6 +226,22 @@ bool TInventory::WasCollected(const TCIMClass& cls) const {
   if (fStatuses.empty() || name == kRunClass || name == kStatusClass) return true;
   const TCIMInstance* status = FindStatus(cls);
   return status && IsAnswer(*status);
+}
+
+TCIMClass* FindClass(const TContainer& container, const std::string& name) {
+  try {
+    return name.empty() ? nullptr : container.FindClass(name);
+  } catch (const TZELException&) {
+    return nullptr;
+  }
+}
+
+std::string Folded(const std::string& name) {
+  std::string folded;
+  for (const char c : name) {
+    if (c != ' ') folded += 'A' <= c && c <= 'Z' ? static_cast<char>(c - 'A' + 'a') : c;
+  }
+  return folded;
 }
 
 std::string TextOf(const TCIMInstance& instance, const char* property,

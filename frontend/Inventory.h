@@ -37,11 +37,17 @@ class TInventory {
   static TInventory Collect(const TCollectionOptions& options,
                             const std::function<bool(const TCIMClass&)>& isWanted);
 
-  // Reads a saved collection, "-" from standard input. Throws TCommandError (kExitBadInput) that
-  // names the file, the reason, and the line of an error in the document.
-  static TInventory Read(const std::string& path);
+  // The classes that are collected here; nothing is. Throws TCommandError.
+  static TInventory Declare(const TCollectionOptions& options);
+
+  // Reads a saved collection, "-" from standard input, after the documents that it builds on.
+  // Throws TCommandError (kExitBadInput) that names the file, the reason, and the line of an error
+  // in the document.
+  static TInventory Read(const std::string& path, const std::vector<std::string>& bases = {});
 
   TContainer& GetContainer() const { return *fContainer; }
+  // Null for a file.
+  const TCollection* GetCollection() const { return fCollection.get(); }
   // "this machine", or the file.
   const std::string& GetTitle() const { return fTitle; }
 
@@ -94,6 +100,12 @@ bool FlagOf(const TCIMInstance& instance, const char* property);
 
 // Whether `text` is something and then `end`.
 bool EndsIn(const std::string& text, const std::string& end);
+
+// The class of that name; null, too, for a text that cannot be a class name.
+TCIMClass* FindClass(const TContainer& container, const std::string& name);
+
+// A name as people may write it: lower case, without blanks.
+std::string Folded(const std::string& name);
 
 // Takes the first of `arguments` away when it names a file rather than a class or section: when it
 // is "-", holds a '/', ends in ".xml" or ".gz", or is there. Empty when it does not.

@@ -2,17 +2,14 @@
 
 #include <fmt/format.h>
 #include <string.h>
-#include <sys/stat.h>
 #include <unistd.h>
-#include <zlib.h>
 
 #include <algorithm>
 #include <cerrno>
 #include <charconv>
-#include <fstream>
-#include <memory>
 #include <string_view>
 
+#include "frontend/DocumentText.h"
 #include "frontend/ExitCode.h"
 #include "frontend/Locations.h"
 #include "frontend/Log.h"
@@ -21,83 +18,6 @@
 
 namespace zel {
 namespace {
-
-constexpr std::size_t kMaxText = 100U << 20U;  // that the reader takes
-
-[[noreturn]] void RefuseFile(const std::string& path, const std::string& why) {
-  throw TCommandError(kExitBadInput, Printable(fmt::format("cannot read '{}': {}; name a CIM-XML "
-                                                           "document, plain or .gz",
-                                                           path, why)));
-}
-
-void RequireFile(const std::string& path) {
-  struct stat status = {};
-  if (stat(path.c_str(), &status) != 0) RefuseFile(path, strerror(errno));
-  if (!S_ISREG(status.st_mode)) RefuseFile(path, "it is no regular file");
-  if (!std::ifstream(path)) RefuseFile(path, strerror(errno));
-}
-
-bool IsGzip(const std::string& path) {
-  std::ifstream file(path, std::ios::binary);
-  return file.get() == 0x1F && file.get() == 0x8B;
-}
-
-// The document's text; none when the reader cannot come by it either.
-std::optional<std::string> ReadText(const std::string& path, TFindings& findings) {
-  const bool isNamedGzip = path.find(".gz") != std::string::npos;
-  if (IsGzip(path) != isNamedGzip) {
-    findings.Add(isNamedGzip ? TRule::kGzipName : TRule::kGzipUnnamed, 0);
-    return std::nullopt;
-  }
-  gzFile file = gzopen(path.c_str(), "rb");  // takes plain files as they are
-  if (!file) RefuseFile(path, strerror(errno));
-  std::string text;
-  char block[65536];
-  int count = 0;
-  while (text.size() <= kMaxText && (count = gzread(file, block, sizeof block)) > 0) {
-    text.append(block, static_cast<std::size_t>(count));
-  }
-  const bool isWhole = gzclose(file) == Z_OK && count >= 0;
-  if (text.size() > kMaxText) {
-    findings.Add(TRule::kTooLarge, 0);
-  } else if (!isWhole) {
-    findings.Add(TRule::kGzipDamaged, 0);
-  } else {
-    return text;
-  }
-  return std::nullopt;
-}
-
-// Looks for the declaration of KEY, which stands before all classes and instances.
-class TKeySearch : public TStrictReader {
- public:
-  bool HasFound() const { return fHasFound; }
-
- protected:
-  void StartElement(const std::string& name, const TAttributes& attributes) override {
-    if (name == "class" || name == "instance") Stop();
-    if (name != "qualifier.declaration") return;
-    const std::string* const declared = FindAttribute(attributes, "name");
-    if (!declared || strcasecmp(declared->c_str(), "KEY") != 0) return;
-    fHasFound = true;
-    Stop();
-  }
-  void EndElement() override {}
-  void Characters(std::string_view) override {}
-  void CharacterReference(std::string_view) override {}
-  void Encoding(const std::string&) override {}
-  void CData() override {}
-  void InternalSubset() override {}
-
- private:
-  bool fHasFound = false;
-};
-
-bool DeclaresKey(const std::string& text) {
-  TKeySearch search;
-  search.Read(text, true);
-  return search.HasFound();
-}
 
 void ReadBase(TContainer& container, const std::string& path) {
   const auto refuse = [&](const std::string& why) {
@@ -240,15 +160,18 @@ std::optional<TCounts> CheckText(std::string_view text, TContainer& container,
 }  // namespace
 
 TValidation Validate(const std::string& path, const TValidationOptions& options) {
-  RequireFile(path);
+  const TDocumentText document = ReadText(path);
   StartLog("", zelLogStatus);
   TValidation validation{TFindings(options.limit), {}, std::nullopt};
   TFindings& findings = validation.findings;
   TContainer container;
-  const std::optional<std::string> text = ReadText(path, findings);
-  if (text) ReadBases(container, options, *text, findings);
+  if (document.fault) {
+    findings.Add(*document.fault, 0);
+  } else {
+    ReadBases(container, options, document.text, findings);
+  }
   validation.read = ReadDocument(container, path, findings);
-  if (text) validation.holds = CheckText(*text, container, findings);
+  if (!document.fault) validation.holds = CheckText(document.text, container, findings);
   return validation;
 }
 

@@ -18,16 +18,6 @@ using testing::HasSubstr;
 using testing::MatchesRegex;
 using testing::StartsWith;
 
-// A plug-in directory with the named test plug-ins.
-class TPluginDir : public TempDir {
- public:
-  explicit TPluginDir(const std::vector<std::string>& names) {
-    for (const std::string& name : names) {
-      fs::copy(fs::path(ZEL_TEST_PLUGINS) / name, PathOf(name));
-    }
-  }
-};
-
 TResult Collect(const TempDir& plugins, std::vector<std::string> more = {}) {
   std::vector<std::string> arguments = {"collect", "--plugin-dir", plugins.GetPath(), "--base",
                                         kBase};

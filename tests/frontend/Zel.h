@@ -1,10 +1,12 @@
 #pragma once
 
+#include <filesystem>
 #include <sstream>
 #include <string>
 #include <vector>
 
 #include "frontend/Main.h"
+#include "tests/support/TempDir.h"
 
 struct TResult {
   int code;
@@ -23,3 +25,13 @@ inline TResult Zel(const std::vector<std::string>& arguments) {
 }
 
 inline const std::string kBase = ZEL_SOURCE_DIR "/schema/zelcore.base.xml";
+
+// A plug-in directory with the named test plug-ins.
+class TPluginDir : public TempDir {
+ public:
+  explicit TPluginDir(const std::vector<std::string>& names) {
+    for (const std::string& name : names) {
+      std::filesystem::copy(std::filesystem::path(ZEL_TEST_PLUGINS) / name, PathOf(name));
+    }
+  }
+};

@@ -1,0 +1,93 @@
+#include "frontend/DocumentText.h"
+
+#include <fmt/format.h>
+#include <string.h>
+#include <strings.h>
+#include <sys/stat.h>
+#include <zlib.h>
+
+#include <cerrno>
+#include <fstream>
+#include <string_view>
+
+#include "frontend/ExitCode.h"
+#include "frontend/StrictReader.h"
+#include "frontend/ValueText.h"
+
+namespace zel {
+namespace {
+
+constexpr std::size_t kMaxText = 100U << 20U;  // that the reader takes
+
+[[noreturn]] void RefuseFile(const std::string& path, const std::string& why) {
+  throw TCommandError(kExitBadInput, Printable(fmt::format("cannot read '{}': {}; name a CIM-XML "
+                                                           "document, plain or .gz",
+                                                           path, why)));
+}
+
+void RequireFile(const std::string& path) {
+  struct stat status = {};
+  if (stat(path.c_str(), &status) != 0) RefuseFile(path, strerror(errno));
+  if (!S_ISREG(status.st_mode)) RefuseFile(path, "it is no regular file");
+  if (!std::ifstream(path)) RefuseFile(path, strerror(errno));
+}
+
+bool IsGzip(const std::string& path) {
+  std::ifstream file(path, std::ios::binary);
+  return file.get() == 0x1F && file.get() == 0x8B;
+}
+
+// Looks for the declaration of KEY, which stands before all classes and instances.
+class TKeySearch : public TStrictReader {
+ public:
+  bool HasFound() const { return fHasFound; }
+
+ protected:
+  void StartElement(const std::string& name, const TAttributes& attributes) override {
+    if (name == "class" || name == "instance") Stop();
+    if (name != "qualifier.declaration") return;
+    const std::string* const declared = FindAttribute(attributes, "name");
+    if (!declared || strcasecmp(declared->c_str(), "KEY") != 0) return;
+    fHasFound = true;
+    Stop();
+  }
+  void EndElement() override {}
+  void Characters(std::string_view) override {}
+  void CharacterReference(std::string_view) override {}
+  void Encoding(const std::string&) override {}
+  void CData() override {}
+  void InternalSubset() override {}
+
+ private:
+  bool fHasFound = false;
+};
+
+}  // namespace
+
+TDocumentText ReadText(const std::string& path) {
+  RequireFile(path);
+  const bool isNamedGzip = path.find(".gz") != std::string::npos;
+  if (IsGzip(path) != isNamedGzip) {
+    return {"", isNamedGzip ? TRule::kGzipName : TRule::kGzipUnnamed};
+  }
+  gzFile file = gzopen(path.c_str(), "rb");  // takes plain files as they are
+  if (!file) RefuseFile(path, strerror(errno));
+  std::string text;
+  char block[65536];
+  int count = 0;
+  while (text.size() <= kMaxText && (count = gzread(file, block, sizeof block)) > 0) {
+    text.append(block, static_cast<std::size_t>(count));
+  }
+  const bool isWhole = gzclose(file) == Z_OK && count >= 0;
+  if (text.size() > kMaxText) return {"", TRule::kTooLarge};
+  if (!isWhole) return {"", TRule::kGzipDamaged};
+  return {std::move(text), std::nullopt};
+}
+
+bool DeclaresKey(const std::string& text) {
+  TKeySearch search;
+  search.Read(text, true);
+  return search.HasFound();
+}
+
+}  // namespace zel
