@@ -46,6 +46,9 @@ TCIMProperty* TCIMInstance::GetProperty(const std::string& name) const {
 TCIMProperty* TCIMInstance::FindProperty(const std::string& name) const {
   return fBody->FindProperty(name);
 }
+TCIMProperty* TCIMInstance::FindPropertyNamed(std::string_view name) const {
+  return fBody->FindPropertyNamed(name);
+}
 std::vector<TCIMProperty const*> TCIMInstance::EnumerateProperties() const {
   return fBody->EnumerateProperties();
 }

@@ -87,10 +87,14 @@ TCIMProperty* TCIMInstanceImpl::GetProperty(const std::string& name) const {
 }
 
 TCIMProperty* TCIMInstanceImpl::FindProperty(const std::string& name) const {
+  TCIMProperty* const property = FindPropertyNamed(name);
+  if (!property) CheckName(name);
+  return property;
+}
+
+TCIMProperty* TCIMInstanceImpl::FindPropertyNamed(std::string_view name) const {
   const std::size_t slot = fLayout->Find(name);
-  if (slot != TPropertyLayout::kNoSlot) return &fProperties[slot];
-  CheckName(name);
-  return nullptr;
+  return slot == TPropertyLayout::kNoSlot ? nullptr : &fProperties[slot];
 }
 
 std::vector<TCIMProperty const*> TCIMInstanceImpl::EnumerateProperties() const {

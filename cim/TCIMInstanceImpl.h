@@ -5,6 +5,7 @@
 #include <cstdint>
 #include <functional>
 #include <string>
+#include <string_view>
 #include <vector>
 
 #include "cim/TCIMElementImpl.h"
@@ -42,6 +43,8 @@ class ZEL_API TCIMInstanceImpl : public TCIMElementImpl {
 
   TCIMProperty* GetProperty(const std::string& name) const;
   TCIMProperty* FindProperty(const std::string& name) const;
+  // Null also for a name that is not valid.
+  TCIMProperty* FindPropertyNamed(std::string_view name) const;
   std::vector<TCIMProperty const*> EnumerateProperties() const;
 
   // The properties are in the order of its slots.

@@ -2,6 +2,9 @@
 
 #include "zelcore/TCIMQualifier.h"
 #include "zelcore/TContainer.h"
+#include "zelcore/detail/Ascii.h"
+
+using zelcore::detail::EqualsIgnoringAsciiCase;
 
 namespace {
 
@@ -23,7 +26,7 @@ constexpr TScopeRow kScopes[] = {
 }  // namespace
 
 void TCIMXMLParser::TStateQualifierDeclaration::HandleAttrs(TCIMXMLParser&,
-                                                            TAttributeMap& attributes) {
+                                                            const TAttributes& attributes) {
   fName.clear();
   fType = TCIMType::TypeNone;
   fMaxArraySize = 0;
@@ -33,7 +36,7 @@ void TCIMXMLParser::TStateQualifierDeclaration::HandleAttrs(TCIMXMLParser&,
   fIsArray.reset();
   fHasArraySize = fHasScope = false;
   for (const TAttribute& attribute : attributes) {
-    if (attribute.first == "isarray") fIsArray = ConvertBool(attribute.second);
+    if (attribute.name == "isarray") fIsArray = ConvertBool(attribute.value);
     if (HandleArraySize(attribute, fMaxArraySize)) fHasArraySize = true;
     HandleCIMName(attribute, fName) || HandleCIMType(attribute, fType) ||
         HandleQualifierFlavor(attribute, fFlavor);
@@ -41,11 +44,11 @@ void TCIMXMLParser::TStateQualifierDeclaration::HandleAttrs(TCIMXMLParser&,
 }
 
 void TCIMXMLParser::TStateQualifierDeclaration::StartElement(TCIMXMLParser& parser,
-                                                             std::string& name,
-                                                             TAttributeMap& attributes) {
-  const bool isScope = name == "scope";
+                                                             std::string_view name,
+                                                             const TAttributes& attributes) {
+  const bool isScope = EqualsIgnoringAsciiCase(name, "scope");
   if (!isScope && !fHasScope) parser.FatalError("Expected SCOPE element");
-  if (isScope && fHasScope) parser.FatalError("Unexpected element " + name);
+  if (isScope && fHasScope) RefuseElement(parser, name);
   fHasScope = true;
   TTableState::StartElement(parser, name, attributes);
 }
@@ -61,17 +64,18 @@ void TCIMXMLParser::TStateQualifierDeclaration::EndElement(TCIMXMLParser& parser
   TTableState::EndElement(parser, name);
 }
 
-void TCIMXMLParser::TStateScope::HandleAttrs(TCIMXMLParser&, TAttributeMap& attributes) {
+void TCIMXMLParser::TStateScope::HandleAttrs(TCIMXMLParser&, const TAttributes& attributes) {
   for (const TAttribute& attribute : attributes) {
     for (const TScopeRow& row : kScopes) {
-      if (attribute.first == row.attribute && ConvertBool(attribute.second)) {
+      if (attribute.name == row.attribute && ConvertBool(attribute.value)) {
         fDeclaration.AddScope(row.bit);
       }
     }
   }
 }
 
-void TCIMXMLParser::TStateQualifier::HandleAttrs(TCIMXMLParser& parser, TAttributeMap& attributes) {
+void TCIMXMLParser::TStateQualifier::HandleAttrs(TCIMXMLParser& parser,
+                                                 const TAttributes& attributes) {
   std::string name;
   TCIMType type = TCIMType::TypeNone;  // without effect: the declaration's holds
   fPropagated = false;
@@ -79,9 +83,7 @@ void TCIMXMLParser::TStateQualifier::HandleAttrs(TCIMXMLParser& parser, TAttribu
     HandleCIMName(attribute, name) || HandleCIMType(attribute, type) ||
         HandlePropagated(attribute, fPropagated);
   }
-  fDecl = LookUp("qualifier", name, [&](const std::string& qualifier) {
-    return parser.fContainer.GetQualifierDecl(qualifier);
-  });
+  fDecl = LookUp("qualifier", name, [&] { return parser.fContainer.GetQualifierDecl(name); });
   fType = fDecl->GetType();
   fValue.reset();
   fFlavor = fDecl->GetFlavor();
@@ -101,7 +103,7 @@ void TCIMXMLParser::TStateQualifier::EndElement(TCIMXMLParser& parser, std::stri
   TTableState::EndElement(parser, name);
 }
 
-void TCIMXMLParser::TStateClass::HandleAttrs(TCIMXMLParser& parser, TAttributeMap& attributes) {
+void TCIMXMLParser::TStateClass::HandleAttrs(TCIMXMLParser& parser, const TAttributes& attributes) {
   std::string name;
   std::string superClassName;
   TCIMClass* superClass = nullptr;
@@ -122,24 +124,25 @@ void TCIMXMLParser::TStateMethod::EndElement(TCIMXMLParser& parser, std::string&
   }
 }
 
-void TCIMXMLParser::TStatePropertyDecl::HandleAttrs(TCIMXMLParser&, TAttributeMap& attributes) {
+void TCIMXMLParser::TStatePropertyDecl::HandleAttrs(TCIMXMLParser&, const TAttributes& attributes) {
   fAttributes.Read(attributes);
   const TCIMType type = fAttributes.type;
   Declare(fIsArray ? TCIMValue(ArrayOf(type), fAttributes.arraySize) : TCIMValue(type, 0));
 }
 
 void TCIMXMLParser::TStatePropertyReferenceDecl::HandleAttrs(TCIMXMLParser& parser,
-                                                             TAttributeMap& attributes) {
+                                                             const TAttributes& attributes) {
   fAttributes.Read(attributes);
   TCIMValue value(TCIMType::TypeReference, 0);
   if (!fAttributes.referenceClass.empty()) {
-    value.SetReferencedClass(*parser.fContainer.GetClass(fAttributes.referenceClass));
+    value.SetReferencedClass(*parser.fContainer.GetClass(std::string(fAttributes.referenceClass)));
   }
   Declare(value);
 }
 
 void TCIMXMLParser::TStatePropertyDecl::Declare(const TCIMValue& value) {
-  fDecl = std::make_unique<TCIMPropertyDecl>(fAttributes.name, fClass.GetClass(), value);
+  fDecl =
+      std::make_unique<TCIMPropertyDecl>(std::string(fAttributes.name), fClass.GetClass(), value);
   fType = value.GetType();
   fMaxArraySize = value.GetMaxArraySize();
   fValue.reset();

@@ -12,9 +12,10 @@ class TCIMXMLParser::TStateQualifierDeclaration : public TTableState, public TVa
  public:
   explicit TStateQualifierDeclaration(TCIMXMLParser&) : TTableState(kChildren) {}
   static const TChildRule kChildren[];
-  void StartElement(TCIMXMLParser& parser, std::string& name, TAttributeMap& attributes) override;
+  void StartElement(TCIMXMLParser& parser, std::string_view name,
+                    const TAttributes& attributes) override;
   void EndElement(TCIMXMLParser& parser, std::string& name) override;
-  void HandleAttrs(TCIMXMLParser& parser, TAttributeMap& attributes) override;
+  void HandleAttrs(TCIMXMLParser& parser, const TAttributes& attributes) override;
 
   void AddScope(TCIMQualifierDecl::EScope scope) { fScope = fScope | scope; }
 
@@ -31,7 +32,7 @@ class TCIMXMLParser::TStateScope : public TTableState {
  public:
   explicit TStateScope(TCIMXMLParser& parser)
       : TTableState(kNoChildren), fDeclaration(parser.CurrentAs<TStateQualifierDeclaration>()) {}
-  void HandleAttrs(TCIMXMLParser& parser, TAttributeMap& attributes) override;
+  void HandleAttrs(TCIMXMLParser& parser, const TAttributes& attributes) override;
 
  private:
   TStateQualifierDeclaration& fDeclaration;
@@ -42,7 +43,7 @@ class TCIMXMLParser::TStateQualifier : public TTableState, public TValueSlot {
   explicit TStateQualifier(TCIMXMLParser& parser)
       : TTableState(kChildren), fTarget(parser.CurrentAs<IQualifierTarget>()) {}
   static const TChildRule kChildren[];
-  void HandleAttrs(TCIMXMLParser& parser, TAttributeMap& attributes) override;
+  void HandleAttrs(TCIMXMLParser& parser, const TAttributes& attributes) override;
   void EndElement(TCIMXMLParser& parser, std::string& name) override;
 
  private:
@@ -57,7 +58,7 @@ class TCIMXMLParser::TStateClass : public TTableState, public IQualifierTarget {
   explicit TStateClass(TCIMXMLParser& parser)
       : TTableState(kChildren), fParent(parser.CurrentAs<TObjectState>()) {}
   static const TChildRule kChildren[];
-  void HandleAttrs(TCIMXMLParser& parser, TAttributeMap& attributes) override;
+  void HandleAttrs(TCIMXMLParser& parser, const TAttributes& attributes) override;
   ICIMAllowQualifiers* GetQualified() override { return fClass; }
   TCIMClass& GetClass() const { return *fClass; }
 
@@ -70,7 +71,9 @@ class TCIMXMLParser::TStateClass : public TTableState, public IQualifierTarget {
 class TCIMXMLParser::TStateMethod : public TParseState {
  public:
   explicit TStateMethod(TCIMXMLParser&) {}
-  void StartElement(TCIMXMLParser&, std::string&, TAttributeMap&) override { ++fOpenElements; }
+  void StartElement(TCIMXMLParser&, std::string_view, const TAttributes&) override {
+    ++fOpenElements;
+  }
   void EndElement(TCIMXMLParser& parser, std::string& name) override;
 
  private:
@@ -84,7 +87,7 @@ class TCIMXMLParser::TStatePropertyDecl : public TTableState,
   explicit TStatePropertyDecl(TCIMXMLParser& parser)
       : TStatePropertyDecl(parser, kChildren, false) {}
   static const TChildRule kChildren[];
-  void HandleAttrs(TCIMXMLParser& parser, TAttributeMap& attributes) override;
+  void HandleAttrs(TCIMXMLParser& parser, const TAttributes& attributes) override;
   void EndElement(TCIMXMLParser& parser, std::string& name) override;
   ICIMAllowQualifiers* GetQualified() override { return fDecl.get(); }
 
@@ -115,7 +118,7 @@ class TCIMXMLParser::TStatePropertyReferenceDecl : public TStatePropertyDecl,
   explicit TStatePropertyReferenceDecl(TCIMXMLParser& parser)
       : TStatePropertyDecl(parser, kChildren, false) {}
   static const TChildRule kChildren[];
-  void HandleAttrs(TCIMXMLParser& parser, TAttributeMap& attributes) override;
+  void HandleAttrs(TCIMXMLParser& parser, const TAttributes& attributes) override;
   void TakeReference(TCIMXMLParser&, TCIMReference&& reference) override {
     Take(TCIMValue(std::move(reference)));
   }

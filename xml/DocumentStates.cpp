@@ -1,32 +1,36 @@
 #include "xml/DocumentStates.h"
 
+#include <algorithm>
+
 namespace {
 
-using TAttributeMap = TCIMXMLParser::TAttributeMap;
+using TAttributes = TCIMXMLParser::TAttributes;
 
 // "" for an attribute that is missing.
-std::string_view ValueOf(const TAttributeMap& attributes, const char* name) {
-  const auto found = attributes.find(name);
-  return found == attributes.end() ? std::string_view() : found->second;
+std::string_view ValueOf(const TAttributes& attributes, std::string_view name) {
+  const auto found = std::find_if(attributes.begin(), attributes.end(),
+                                  [name](const auto& attribute) { return attribute.name == name; });
+  return found == attributes.end() ? std::string_view() : found->value;
 }
 
 }  // namespace
 
-void TCIMXMLParser::TStateCIM::HandleAttrs(TCIMXMLParser& parser, TAttributeMap& attributes) {
+void TCIMXMLParser::TStateCIM::HandleAttrs(TCIMXMLParser& parser, const TAttributes& attributes) {
   const std::string_view cimVersion = ValueOf(attributes, "cimversion");
   if (cimVersion != "2.0" && cimVersion != "2.8") parser.FatalError("Unknown CIM version");
   const std::string_view dtdVersion = ValueOf(attributes, "dtdversion");
   if (dtdVersion != "2.0" && dtdVersion != "2.1") parser.FatalError("Unknown DTD version");
 }
 
-void TCIMXMLParser::TStateMessage::HandleAttrs(TCIMXMLParser& parser, TAttributeMap& attributes) {
+void TCIMXMLParser::TStateMessage::HandleAttrs(TCIMXMLParser& parser,
+                                               const TAttributes& attributes) {
   if (ValueOf(attributes, "protocolversion") != "1.0") {
     parser.FatalError("Unknown protocol version");
   }
 }
 
-void TCIMXMLParser::TStateMultiReq::StartElement(TCIMXMLParser& parser, std::string& name,
-                                                 TAttributeMap& attributes) {
+void TCIMXMLParser::TStateMultiReq::StartElement(TCIMXMLParser& parser, std::string_view name,
+                                                 const TAttributes& attributes) {
   TTableState::StartElement(parser, name, attributes);
   ++fRequests;
 }
@@ -37,7 +41,7 @@ void TCIMXMLParser::TStateMultiReq::EndElement(TCIMXMLParser& parser, std::strin
 }
 
 void TCIMXMLParser::TStateIMethodCall::HandleAttrs(TCIMXMLParser& parser,
-                                                   TAttributeMap& attributes) {
+                                                   const TAttributes& attributes) {
   const std::string_view name = ValueOf(attributes, "name");
   if (name != "CreateClass" && name != "CreateInstance") {
     parser.FatalError("Unexpected IMethodCall method " + std::string(name));
@@ -45,7 +49,7 @@ void TCIMXMLParser::TStateIMethodCall::HandleAttrs(TCIMXMLParser& parser,
 }
 
 void TCIMXMLParser::TStateIParamValue::HandleAttrs(TCIMXMLParser& parser,
-                                                   TAttributeMap& attributes) {
+                                                   const TAttributes& attributes) {
   const std::string_view name = ValueOf(attributes, "name");
   if (name != "NewClass" && name != "NewInstance") {
     parser.FatalError("Unexpected IParamValue parameter name");

@@ -19,7 +19,7 @@ class TCIMXMLParser::TStateCIM : public TTableState {
  public:
   explicit TStateCIM(TCIMXMLParser&) : TTableState(kChildren) {}
   static const TChildRule kChildren[];
-  void HandleAttrs(TCIMXMLParser& parser, TAttributeMap& attributes) override;
+  void HandleAttrs(TCIMXMLParser& parser, const TAttributes& attributes) override;
 };
 
 class TCIMXMLParser::TStateDeclaration : public TTableState {
@@ -50,16 +50,17 @@ class TCIMXMLParser::TStateMessage : public TTableState {
  public:
   explicit TStateMessage(TCIMXMLParser&) : TTableState(kChildren) {}
   static const TChildRule kChildren[];
-  void HandleAttrs(TCIMXMLParser& parser, TAttributeMap& attributes) override;
+  void HandleAttrs(TCIMXMLParser& parser, const TAttributes& attributes) override;
 };
 
 class TCIMXMLParser::TStateMultiReq : public TTableState {
  public:
   explicit TStateMultiReq(TCIMXMLParser&) : TTableState(kChildren) {}
   static const TChildRule kChildren[];
-  void StartElement(TCIMXMLParser& parser, std::string& name, TAttributeMap& attributes) override;
+  void StartElement(TCIMXMLParser& parser, std::string_view name,
+                    const TAttributes& attributes) override;
   void EndElement(TCIMXMLParser& parser, std::string& name) override;
-  void HandleAttrs(TCIMXMLParser&, TAttributeMap&) override { fRequests = 0; }
+  void HandleAttrs(TCIMXMLParser&, const TAttributes&) override { fRequests = 0; }
 
  private:
   unsigned int fRequests = 0;
@@ -75,7 +76,7 @@ class TCIMXMLParser::TStateIMethodCall : public TTableState {
  public:
   explicit TStateIMethodCall(TCIMXMLParser&) : TTableState(kChildren) {}
   static const TChildRule kChildren[];
-  void HandleAttrs(TCIMXMLParser& parser, TAttributeMap& attributes) override;
+  void HandleAttrs(TCIMXMLParser& parser, const TAttributes& attributes) override;
 };
 
 // Holds the new class or instance of its child. The path that may stand before is dropped: the
@@ -129,7 +130,7 @@ class TCIMXMLParser::TStateIParamValue : public TObjectState {
  public:
   explicit TStateIParamValue(TCIMXMLParser&) : TObjectState(kChildren) {}
   static const TChildRule kChildren[];
-  void HandleAttrs(TCIMXMLParser& parser, TAttributeMap& attributes) override;
+  void HandleAttrs(TCIMXMLParser& parser, const TAttributes& attributes) override;
 
  protected:
   void Collect(TCIMXMLParser&, TCIMClass&) override {}  // sic: requested classes are not collected

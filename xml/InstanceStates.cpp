@@ -7,22 +7,26 @@
 
 using TCIMType = TCIMValue::TCIMType;
 
-void TCIMXMLParser::TStateInstance::HandleAttrs(TCIMXMLParser& parser, TAttributeMap& attributes) {
+void TCIMXMLParser::TStateInstance::HandleAttrs(TCIMXMLParser& parser,
+                                                const TAttributes& attributes) {
   fClassName.clear();
   for (const TAttribute& attribute : attributes) HandleClassName(attribute, fClassName);
-  TCIMClass* const cls = LookUp("class", fClassName, [&](const std::string& name) {
-    return parser.fContainer.GetClass(name);
-  });
+  TCIMClass* const cls =
+      LookUp("class", fClassName, [&] { return parser.fContainer.GetClass(fClassName); });
   std::unique_ptr<TCIMInstance> instance(parser.fContainer.AllocateInstance(cls));
   fInstance = instance.get();
   fParent.Hold(std::move(instance));
 }
 
-void TCIMXMLParser::TStateProperty::HandleAttrs(TCIMXMLParser& parser, TAttributeMap& attributes) {
+void TCIMXMLParser::TStateProperty::HandleAttrs(TCIMXMLParser& parser,
+                                                const TAttributes& attributes) {
   fAttributes.Read(attributes);
-  fProperty = LookUp("property", fAttributes.name, [&](const std::string& name) {
-    return fInstance.GetInstance().GetProperty(name);
-  });
+  const TCIMInstance& instance = fInstance.GetInstance();
+  fProperty = instance.FindPropertyNamed(fAttributes.name);
+  if (!fProperty) {
+    LookUp("property", fAttributes.name,
+           [&] { return instance.GetProperty(std::string(fAttributes.name)); });
+  }
   fType = fProperty->GetType();
   fMaxArraySize = fAttributes.arraySize;
   fValue.reset();
@@ -32,7 +36,7 @@ void TCIMXMLParser::TStateProperty::HandleAttrs(TCIMXMLParser& parser, TAttribut
   }
 }
 
-void TCIMXMLParser::TStateProperty::TakeText(TCIMXMLParser& parser, const std::string& text) {
+void TCIMXMLParser::TStateProperty::TakeText(TCIMXMLParser& parser, std::string_view text) {
   if (fValue || !fProperty->SetFromText(text)) TValueSlot::TakeText(parser, text);
 }
 
@@ -42,13 +46,18 @@ void TCIMXMLParser::TStateProperty::EndElement(TCIMXMLParser& parser, std::strin
 }
 
 void TCIMXMLParser::TStateValue::EndElement(TCIMXMLParser& parser, std::string& name) {
-  fSlot.TakeText(parser, parser.fText);
+  fSlot.TakeText(parser, parser.fText.Get());
   TTableState::EndElement(parser, name);
 }
 
-void TCIMXMLParser::TStateValueArray::HandleAttrs(TCIMXMLParser&, TAttributeMap&) {
+void TCIMXMLParser::TStateValueArray::HandleAttrs(TCIMXMLParser&, const TAttributes&) {
   fType = static_cast<TCIMType::ECIMType>(fSlot.fType & ~TCIMType::TypeArray);
   fElements.clear();
+}
+
+void TCIMXMLParser::TStateValueArray::TakeText(TCIMXMLParser& parser, std::string_view text) {
+  TCIMValue& element = fElements.emplace_back();
+  if (!element.SetFromText(fType, text)) parser.ParseValue(fType, text).Swap(element);
 }
 
 void TCIMXMLParser::TStateValueArray::EndElement(TCIMXMLParser& parser, std::string& name) {

@@ -12,7 +12,7 @@ class TCIMXMLParser::TStateInstance : public TTableState, public IQualifierTarge
   explicit TStateInstance(TCIMXMLParser& parser)
       : TTableState(kChildren), fParent(parser.CurrentAs<TObjectState>()) {}
   static const TChildRule kChildren[];
-  void HandleAttrs(TCIMXMLParser& parser, TAttributeMap& attributes) override;
+  void HandleAttrs(TCIMXMLParser& parser, const TAttributes& attributes) override;
   ICIMAllowQualifiers* GetQualified() override { return nullptr; }
   const TCIMInstance& GetInstance() const { return *fInstance; }
 
@@ -28,8 +28,8 @@ class TCIMXMLParser::TStateProperty : public TTableState,
  public:
   explicit TStateProperty(TCIMXMLParser& parser) : TStateProperty(parser, kChildren, false) {}
   static const TChildRule kChildren[];
-  void HandleAttrs(TCIMXMLParser& parser, TAttributeMap& attributes) override;
-  void TakeText(TCIMXMLParser& parser, const std::string& text) override;
+  void HandleAttrs(TCIMXMLParser& parser, const TAttributes& attributes) override;
+  void TakeText(TCIMXMLParser& parser, std::string_view text) override;
   void EndElement(TCIMXMLParser& parser, std::string& name) override;
   ICIMAllowQualifiers* GetQualified() override { return nullptr; }
 
@@ -77,9 +77,10 @@ class TCIMXMLParser::TStateValueArray : public TTableState, public TValueSlot {
   explicit TStateValueArray(TCIMXMLParser& parser)
       : TTableState(kChildren), fSlot(parser.CurrentAs<TValueSlot>()) {}
   static const TChildRule kChildren[];
-  void HandleAttrs(TCIMXMLParser& parser, TAttributeMap& attributes) override;
+  void HandleAttrs(TCIMXMLParser& parser, const TAttributes& attributes) override;
   void EndElement(TCIMXMLParser& parser, std::string& name) override;
   void Take(TCIMValue&& element) override { fElements.push_back(std::move(element)); }
+  void TakeText(TCIMXMLParser& parser, std::string_view text) override;
 
  private:
   TValueSlot& fSlot;

@@ -6,8 +6,9 @@
 #include "zelcore/TCIMPropertyDecl.h"
 #include "zelcore/TContainer.h"
 
-void TCIMXMLParser::TStateLocalNamespacePath::StartElement(TCIMXMLParser& parser, std::string& name,
-                                                           TAttributeMap& attributes) {
+void TCIMXMLParser::TStateLocalNamespacePath::StartElement(TCIMXMLParser& parser,
+                                                           std::string_view name,
+                                                           const TAttributes& attributes) {
   TTableState::StartElement(parser, name, attributes);
   fHasNamespace = true;
 }
@@ -17,7 +18,8 @@ void TCIMXMLParser::TStateLocalNamespacePath::EndElement(TCIMXMLParser& parser, 
   TTableState::EndElement(parser, name);
 }
 
-void TCIMXMLParser::TStateClassName::HandleAttrs(TCIMXMLParser& parser, TAttributeMap& attributes) {
+void TCIMXMLParser::TStateClassName::HandleAttrs(TCIMXMLParser& parser,
+                                                 const TAttributes& attributes) {
   std::string name;
   for (const TAttribute& attribute : attributes) HandleCIMName(attribute, name);
   // The class need not be there yet: the path before a CLASS names what is about to be declared.
@@ -25,7 +27,7 @@ void TCIMXMLParser::TStateClassName::HandleAttrs(TCIMXMLParser& parser, TAttribu
 }
 
 void TCIMXMLParser::TStateInstanceName::HandleAttrs(TCIMXMLParser& parser,
-                                                    TAttributeMap& attributes) {
+                                                    const TAttributes& attributes) {
   fClassName.clear();
   fHasKeys = false;
   for (const TAttribute& attribute : attributes) HandleClassName(attribute, fClassName);
@@ -35,8 +37,7 @@ void TCIMXMLParser::TStateInstanceName::HandleAttrs(TCIMXMLParser& parser,
   fReference->SetClass(*fClass);
 }
 
-void TCIMXMLParser::TStateInstanceName::TakeKeyText(TCIMXMLParser& parser,
-                                                    const std::string& text) {
+void TCIMXMLParser::TStateInstanceName::TakeKeyText(TCIMXMLParser& parser, std::string_view text) {
   for (const std::string& key : fClass->EnumerateKeyNames()) {
     Bind(key, parser.ParseValue(fClass->GetPropertyDecl(key)->GetType(), text));
   }
@@ -65,14 +66,14 @@ void TCIMXMLParser::TStateInstanceName::EndElement(TCIMXMLParser& parser, std::s
   TTableState::EndElement(parser, name);
 }
 
-void TCIMXMLParser::TStateKeyBinding::HandleAttrs(TCIMXMLParser&, TAttributeMap& attributes) {
+void TCIMXMLParser::TStateKeyBinding::HandleAttrs(TCIMXMLParser&, const TAttributes& attributes) {
   fName.clear();
   fValue.reset();
   for (const TAttribute& attribute : attributes) HandleCIMName(attribute, fName);
   fDecl = fInstance.GetClass().FindPropertyDecl(fName);
 }
 
-void TCIMXMLParser::TStateKeyBinding::TakeKeyText(TCIMXMLParser& parser, const std::string& text) {
+void TCIMXMLParser::TStateKeyBinding::TakeKeyText(TCIMXMLParser& parser, std::string_view text) {
   if (fDecl) fValue.emplace(parser.ParseValue(fDecl->GetType(), text));
 }
 
@@ -94,7 +95,7 @@ void TCIMXMLParser::TStateKeyBinding::EndElement(TCIMXMLParser& parser, std::str
 }
 
 void TCIMXMLParser::TStateKeyValue::EndElement(TCIMXMLParser& parser, std::string& name) {
-  fParent.TakeKeyText(parser, parser.fText);
+  fParent.TakeKeyText(parser, parser.fText.Get());
   TTableState::EndElement(parser, name);
 }
 

@@ -17,9 +17,10 @@ class TCIMXMLParser::TStateLocalNamespacePath : public TTableState {
  public:
   explicit TStateLocalNamespacePath(TCIMXMLParser&) : TTableState(kChildren) {}
   static const TChildRule kChildren[];
-  void StartElement(TCIMXMLParser& parser, std::string& name, TAttributeMap& attributes) override;
+  void StartElement(TCIMXMLParser& parser, std::string_view name,
+                    const TAttributes& attributes) override;
   void EndElement(TCIMXMLParser& parser, std::string& name) override;
-  void HandleAttrs(TCIMXMLParser&, TAttributeMap&) override { fHasNamespace = false; }
+  void HandleAttrs(TCIMXMLParser&, const TAttributes&) override { fHasNamespace = false; }
 
  private:
   bool fHasNamespace = false;
@@ -85,7 +86,7 @@ class TCIMXMLParser::TStateClassName : public TTableState {
  public:
   explicit TStateClassName(TCIMXMLParser& parser)
       : TTableState(kNoChildren), fParent(parser.CurrentAs<IPathSlot>()) {}
-  void HandleAttrs(TCIMXMLParser& parser, TAttributeMap& attributes) override;
+  void HandleAttrs(TCIMXMLParser& parser, const TAttributes& attributes) override;
 
  private:
   IPathSlot& fParent;
@@ -96,11 +97,11 @@ class TCIMXMLParser::TStateInstanceName : public TTableState, public IKeySlot {
   explicit TStateInstanceName(TCIMXMLParser& parser)
       : TTableState(kChildren), fParent(parser.CurrentAs<IPathSlot>()) {}
   static const TChildRule kChildren[];
-  void HandleAttrs(TCIMXMLParser& parser, TAttributeMap& attributes) override;
+  void HandleAttrs(TCIMXMLParser& parser, const TAttributes& attributes) override;
   void EndElement(TCIMXMLParser& parser, std::string& name) override;
 
   // A key without a name is that of every key property.
-  void TakeKeyText(TCIMXMLParser& parser, const std::string& text) override;
+  void TakeKeyText(TCIMXMLParser& parser, std::string_view text) override;
   void TakeReference(TCIMXMLParser& parser, TCIMReference&& reference) override;
 
   const TCIMClass& GetClass() const { return *fClass; }
@@ -120,9 +121,9 @@ class TCIMXMLParser::TStateKeyBinding : public TTableState, public IKeySlot {
   explicit TStateKeyBinding(TCIMXMLParser& parser)
       : TTableState(kChildren), fInstance(parser.CurrentAs<TStateInstanceName>()) {}
   static const TChildRule kChildren[];
-  void HandleAttrs(TCIMXMLParser& parser, TAttributeMap& attributes) override;
+  void HandleAttrs(TCIMXMLParser& parser, const TAttributes& attributes) override;
   void EndElement(TCIMXMLParser& parser, std::string& name) override;
-  void TakeKeyText(TCIMXMLParser& parser, const std::string& text) override;
+  void TakeKeyText(TCIMXMLParser& parser, std::string_view text) override;
   void TakeReference(TCIMXMLParser& parser, TCIMReference&& reference) override;
 
  private:

@@ -1,5 +1,6 @@
 #include "xml/TCIMXMLParser.h"
 
+#include <cstring>
 #include <locale>
 #include <sstream>
 
@@ -7,23 +8,30 @@
 #include "zelcore/TCIMDateTime.h"
 #include "zelcore/detail/Fail.h"
 
-using namespace std::string_view_literals;
 using zelcore::detail::LogCore;
 using zelcore::detail::Text;
 
 namespace {
 
+// Attribute names are too short for a call to be worth it.
+template <std::size_t kSize>
+inline bool IsNamed(const TCIMXMLParser::TAttribute& attribute, const char (&name)[kSize]) {
+  return attribute.name.size() == kSize - 1 &&
+         std::memcmp(attribute.name.data(), name, kSize - 1) == 0;
+}
+
 // True, with `value` stored, when the attribute has this name.
-bool HandleText(const TCIMXMLParser::TAttribute& attribute, std::string_view name,
-                std::string& value) {
-  if (attribute.first != name) return false;
-  value = attribute.second;
+template <std::size_t kSize, class TText>
+inline bool HandleText(const TCIMXMLParser::TAttribute& attribute, const char (&name)[kSize],
+                       TText& value) {
+  if (!IsNamed(attribute, name)) return false;
+  value = attribute.value;
   return true;
 }
 
 template <class TNumber>
-TNumber ReadFromStream(const std::string& text) {
-  std::istringstream in(text);
+TNumber ReadFromStream(std::string_view text) {
+  std::istringstream in{std::string(text)};
   in.imbue(std::locale::classic());
   TNumber number{};
   in >> std::boolalpha >> number;
@@ -43,38 +51,47 @@ constexpr TFlavorRow kFlavors[] = {
 
 }  // namespace
 
-TCIMXMLParser::TCIMXMLParser(TContainer& container) : fContainer(container) {
-  fStates.emplace_back(new TStateStart());
-}
+TCIMXMLParser::TCIMXMLParser(TContainer& container)
+    : fContainer(container), fStart(new TStateStart()), fStates{fStart.get()} {}
 
 TCIMXMLParser::~TCIMXMLParser() = default;
 
-template <class TWork>
-void TCIMXMLParser::Report(TWork&& work) {
-  try {
-    work();
-  } catch (const TZELException& failure) {
-    LogCore(zelLogError,
-            Text("TCIMXMLParser: Threw exception ", failure.what(), " on line ", GetCurLine()));
-    throw TZELException(failure.GetStatusCode());
-  }
+void TCIMXMLParser::PassOn(const TZELException& failure) {
+  LogCore(zelLogError,
+          Text("TCIMXMLParser: Threw exception ", failure.what(), " on line ", GetCurLine()));
+  throw TZELException(failure.GetStatusCode());
 }
 
 void TCIMXMLParser::StartElement(const char* name, TAttributeMap& attributes) {
-  TParseState& state = *fStates.back();
-  Report([&] { state.StartElement(*this, state.ToLowerCase(name), attributes); });
+  StartTag(name, TAttributes(attributes.begin(), attributes.end()));
+}
+
+void TCIMXMLParser::StartTag(std::string_view name, const TAttributes& attributes) {
+  try {
+    fStates.back()->StartElement(*this, name, attributes);
+  } catch (const TZELException& failure) {
+    PassOn(failure);
+  }
 }
 
 void TCIMXMLParser::EndElement(const char* /*name*/) {
   TParseState& state = *fStates.back();
-  Report([&] { state.EndElement(*this, state.fName); });
+  try {
+    state.EndElement(*this, state.fName);
+  } catch (const TZELException& failure) {
+    PassOn(failure);
+  }
 }
 
 void TCIMXMLParser::processingInstruction(const char*, const char*) {}
 
+// White space between elements and text that nobody asks for is not gathered.
 void TCIMXMLParser::characters(const char* text, unsigned int /*length*/) {
-  // White space between elements and text that nobody asks for is not gathered.
-  if (fStates.back()->TakesText()) fText += text;
+  if (fStates.back()->TakesText()) fText.AddCopy(text);
+}
+
+void TCIMXMLParser::TextRun(std::string_view text) {
+  if (fStates.back()->TakesText()) fText.AddRun(text);
 }
 
 void TCIMXMLParser::notationDecl(const char*, const char*, const char*) {}
@@ -92,16 +109,16 @@ bool TCIMXMLParser::HandleCIMName(const TAttribute& attribute, std::string& name
 }
 
 bool TCIMXMLParser::HandleCIMType(const TAttribute& attribute, TCIMValue::TCIMType& type) {
-  if (attribute.first != "type"sv) return false;
-  type = TCIMValue::TCIMType(attribute.second);
+  if (!IsNamed(attribute, "type")) return false;
+  type = TCIMValue::TCIMType(std::string(attribute.value));
   return true;
 }
 
 bool TCIMXMLParser::HandleQualifierFlavor(const TAttribute& attribute,
                                           TCIMQualifierDecl::EFlavor& flavor) {
   for (const TFlavorRow& row : kFlavors) {
-    if (attribute.first != row.attribute) continue;
-    const bool isSet = ConvertBool(attribute.second);
+    if (attribute.name != row.attribute) continue;
+    const bool isSet = ConvertBool(attribute.value);
     flavor = static_cast<TCIMQualifierDecl::EFlavor>(isSet ? flavor | row.bit : flavor & ~row.bit);
     return true;
   }
@@ -113,14 +130,14 @@ bool TCIMXMLParser::HandleClassOrigin(const TAttribute& attribute, std::string& 
 }
 
 bool TCIMXMLParser::HandlePropagated(const TAttribute& attribute, bool& propagated) {
-  if (attribute.first != "propagated"sv) return false;
-  propagated = ConvertBool(attribute.second);
+  if (!IsNamed(attribute, "propagated")) return false;
+  propagated = ConvertBool(attribute.value);
   return true;
 }
 
 bool TCIMXMLParser::HandleArraySize(const TAttribute& attribute, unsigned int& arraySize) {
-  if (attribute.first != "arraysize"sv) return false;
-  arraySize = ConvertUnsignedInt(attribute.second);
+  if (!IsNamed(attribute, "arraysize")) return false;
+  arraySize = ConvertUnsignedInt(attribute.value);
   return true;
 }
 
@@ -136,17 +153,28 @@ bool TCIMXMLParser::HandleReferenceClass(const TAttribute& attribute, std::strin
   return HandleText(attribute, "referenceclass", referenceClass);
 }
 
-bool TCIMXMLParser::ConvertBool(const std::string& text) {
+void TCIMXMLParser::TPropertyAttributes::Read(const TAttributes& attributes) {
+  *this = {};
+  for (const TAttribute& attribute : attributes) {
+    HandleText(attribute, "name", name) || HandleCIMType(attribute, type) ||
+        HandleArraySize(attribute, arraySize) ||
+        HandleText(attribute, "referenceclass", referenceClass) ||
+        HandleText(attribute, "classorigin", classOrigin) ||
+        HandlePropagated(attribute, propagated);
+  }
+}
+
+bool TCIMXMLParser::ConvertBool(std::string_view text) {
   if (text == "true") return true;
   if (text == "false") return false;
   return ReadFromStream<bool>(text);
 }
 
-unsigned int TCIMXMLParser::ConvertUnsignedInt(const std::string& text) {
+unsigned int TCIMXMLParser::ConvertUnsignedInt(std::string_view text) {
   return ReadFromStream<unsigned int>(text);
 }
 
-TCIMValue TCIMXMLParser::ParseValue(TCIMValue::TCIMType type, const std::string& text) {
+TCIMValue TCIMXMLParser::ParseValue(TCIMValue::TCIMType type, std::string_view text) {
   TCIMValue value;
   if (value.SetFromText(type, text)) return value;
   if (type != TCIMValue::TCIMType::TypeDateTime) return TCIMValue(type, 0);

@@ -1,12 +1,12 @@
 #pragma once
 
-#include <boost/shared_ptr.hpp>
-#include <deque>
 #include <map>
+#include <memory>
 #include <string>
-#include <utility>
+#include <string_view>
 #include <vector>
 
+#include "xml/TGatheredText.h"
 #include "xml/TXmlParser.h"
 #include "zelcore/TCIMQualifierDecl.h"
 #include "zelcore/TCIMValue.h"
@@ -14,6 +14,7 @@
 
 class TCIMClass;
 class TContainer;
+class TZELException;
 
 // Reads one CIM-XML document into a container: CIM 2.0 and 2.8 by DTD 2.0 and 2.1, declarations or
 // CreateClass and CreateInstance requests. Reading is strict: qualifier declarations, superclasses
@@ -26,7 +27,6 @@ class ZEL_API TCIMXMLParser : public TXmlParser {
  public:
   class TParseState;
   using TAttributeMap = std::map<std::string, std::string>;
-  using TAttribute = std::pair<const std::string, std::string>;
 
   // `container` must outlive the parser.
   explicit TCIMXMLParser(TContainer& container);
@@ -64,15 +64,18 @@ class ZEL_API TCIMXMLParser : public TXmlParser {
   static bool HandleReferenceClass(const TAttribute& attribute, std::string& referenceClass);
 
   // "true" or "false"; everything else, capitals included, is false.
-  static bool ConvertBool(const std::string& text);
+  static bool ConvertBool(std::string_view text);
   // Decimal; 0 for what is no number.
-  static unsigned int ConvertUnsignedInt(const std::string& text);
+  static unsigned int ConvertUnsignedInt(std::string_view text);
 
   // `text` as a value of `type`. A bad datetime becomes the first second of 1970, with a line in
   // the log; what cannot be read at all becomes NULL of that type.
-  TCIMValue ParseValue(TCIMValue::TCIMType type, const std::string& text);
+  TCIMValue ParseValue(TCIMValue::TCIMType type, std::string_view text);
 
  protected:
+  void StartTag(std::string_view name, const TAttributes& attributes) override;
+  void TextRun(std::string_view text) override;
+
   struct TChildRule;
   class TTableState;
 
@@ -133,28 +136,27 @@ class ZEL_API TCIMXMLParser : public TXmlParser {
   class TStateIParamValue;
 
   template <class TState>
-  static boost::shared_ptr<TParseState> Make(TCIMXMLParser& parser);
+  static std::unique_ptr<TParseState> Make(TCIMXMLParser& parser);
 
-  // Does `work` for the current element; failures are logged and pass on.
-  template <class TWork>
-  void Report(TWork&& work);
+  // Logs a failure at the current element, and throws it anew.
+  [[noreturn]] void PassOn(const TZELException& failure);
 
   template <class TLookUp>
-  static auto LookUp(const char* kind, const std::string& name, TLookUp&& lookUp);
+  static auto LookUp(const char* kind, std::string_view name, TLookUp&& lookUp);
 
   // The current state as what a new child needs it to be.
   template <class TRole>
   TRole& CurrentAs() {
-    auto* const role = dynamic_cast<TRole*>(fStates.back().get());
+    auto* const role = dynamic_cast<TRole*>(fStates.back());
     if (!role) FatalError("Parser state corrupt");
     return *role;
   }
 
  private:
   TContainer& fContainer;
-  std::deque<boost::shared_ptr<TParseState>> fStates;
-  std::string fText;  // the character data of the current state's element
-  std::string fName;  // of the element that starts
+  const std::unique_ptr<TParseState> fStart;  // each state owns those of its children
+  std::vector<TParseState*> fStates;          // of the open elements
+  TGatheredText fText;                        // of the current state's element
   std::vector<TCIMClass*> fClassesCollected;
   bool fUX402Mode = false;
 };

@@ -1,8 +1,9 @@
 #include "xml/TParseState.h"
 
-#include <cstring>
-
 #include "zelcore/detail/Ascii.h"
+
+using zelcore::detail::EqualsIgnoringAsciiCase;
+using zelcore::detail::ToAsciiLower;
 
 namespace {
 
@@ -15,47 +16,37 @@ constexpr std::size_t kMaxKeptDepth = 24;
 
 }  // namespace
 
-std::string& TCIMXMLParser::TParseState::ToLowerCase(const char* name) {
-  if (std::strcmp(fChildAsWritten.c_str(), name) != 0) {
-    fChildAsWritten = name;
-    fChildName = zelcore::detail::ToAsciiLower(fChildAsWritten);
-  }
-  return fChildName;
-}
-
 void TCIMXMLParser::TParseState::EndElement(TCIMXMLParser& parser, std::string& /*name*/) {
-  boost::shared_ptr<TParseState> self = std::move(parser.fStates.back());
   parser.fStates.pop_back();
-  if (fHome && parser.fStates.size() < kMaxKeptDepth) *fHome = std::move(self);
+  if (parser.fStates.size() >= kMaxKeptDepth) fHome->reset();  // the end of this state
 }
 
-void TCIMXMLParser::TTableState::StartElement(TCIMXMLParser& parser, std::string& name,
-                                              TAttributeMap& attributes) {
-  const TChildRule* rule = fChildren;
-  while (rule->make && rule->name != name) ++rule;
-  if (!rule->make || parser.fStates.size() >= kMaxOpenStates) {
-    parser.FatalError("Unexpected element " + name);
-  }
-
-  boost::shared_ptr<TParseState>& spare = fSpares[static_cast<std::size_t>(rule - fChildren)];
-  if (!spare) {
-    spare = rule->make(parser);
-    spare->fName = name;
-    spare->fHome = &spare;
-  }
-  parser.fStates.push_back(std::move(spare));
-  parser.fText.clear();
-  parser.fStates.back()->HandleAttrs(parser, attributes);
+void TCIMXMLParser::TTableState::StartElement(TCIMXMLParser& parser, std::string_view name,
+                                              const TAttributes& attributes) {
+  if (parser.fStates.size() >= kMaxOpenStates) RefuseElement(parser, name);
+  // Most children are called as the one before.
+  if (!*fLastChild || (*fLastChild)->fName != name) fLastChild = &FindChild(parser, name);
+  TParseState& child = **fLastChild;
+  parser.fStates.push_back(&child);
+  parser.fText.Clear();
+  child.HandleAttrs(parser, attributes);
 }
 
-void TCIMXMLParser::TPropertyAttributes::Read(const TAttributeMap& attributes) {
-  name.clear();
-  type = TCIMValue::TCIMType::TypeNone;
-  arraySize = 0;
-  referenceClass.clear();
-  for (const TAttribute& attribute : attributes) {
-    HandleCIMName(attribute, name) || HandleCIMType(attribute, type) ||
-        HandleArraySize(attribute, arraySize) || HandleReferenceClass(attribute, referenceClass) ||
-        HandleClassOrigin(attribute, classOrigin) || HandlePropagated(attribute, propagated);
+// The state of that child, made where there is none yet.
+std::unique_ptr<TCIMXMLParser::TParseState>& TCIMXMLParser::TTableState::FindChild(
+    TCIMXMLParser& parser, std::string_view name) {
+  std::size_t rule = 0;
+  while (fChildren[rule].make && !EqualsIgnoringAsciiCase(fChildren[rule].name, name)) ++rule;
+  if (!fChildren[rule].make) RefuseElement(parser, name);
+  std::unique_ptr<TParseState>& child = fChildStates[rule];
+  if (!child) {
+    child = fChildren[rule].make(parser);
+    child->fHome = &child;
   }
+  child->fName = name;
+  return child;
+}
+
+void TCIMXMLParser::TTableState::RefuseElement(TCIMXMLParser& parser, std::string_view name) {
+  parser.FatalError("Unexpected element " + ToAsciiLower(std::string(name)));
 }

@@ -18,14 +18,12 @@ inline TCIMValue::TCIMType ArrayOf(TCIMValue::TCIMType type) {
 class TCIMXMLParser::TParseState {
  public:
   virtual ~TParseState() = default;
-  virtual void StartElement(TCIMXMLParser&, std::string& /*name*/, TAttributeMap&) {}
+  virtual void StartElement(TCIMXMLParser&, std::string_view /*name*/, const TAttributes&) {}
   // Takes this state off the stack. Overriders finish their work first and call this last.
   virtual void EndElement(TCIMXMLParser& parser, std::string& name);
-  virtual void HandleAttrs(TCIMXMLParser&, TAttributeMap&) {}
+  virtual void HandleAttrs(TCIMXMLParser&, const TAttributes&) {}
 
   bool TakesText() const { return fTakesText; }
-  // A child's name. Most children are called as the one before.
-  std::string& ToLowerCase(const char* name);
 
  protected:
   bool fTakesText = false;
@@ -33,16 +31,14 @@ class TCIMXMLParser::TParseState {
  private:
   friend class TCIMXMLParser;
   friend class TTableState;
-  boost::shared_ptr<TParseState>* fHome = nullptr;  // where it waits for the next such element
-  std::string fName;                                // of the element
-  std::string fChildAsWritten;
-  std::string fChildName;
+  std::unique_ptr<TParseState>* fHome = nullptr;  // its owner
+  std::string fName;                              // of the element, as it was written last
 };
 
 // One child that a state accepts, by its lower-case name. A table ends with an empty rule.
 struct TCIMXMLParser::TChildRule {
   std::string_view name;
-  boost::shared_ptr<TParseState> (*make)(TCIMXMLParser& parser);
+  std::unique_ptr<TParseState> (*make)(TCIMXMLParser& parser);
 };
 
 // A state whose children stand in a table. A finished child waits here for the next element of its
@@ -52,25 +48,32 @@ class TCIMXMLParser::TTableState : public TParseState {
  public:
   explicit TTableState(const TChildRule* children) : fChildren(children) {}
   static const TChildRule kNoChildren[];
-  void StartElement(TCIMXMLParser& parser, std::string& name, TAttributeMap& attributes) override;
+  void StartElement(TCIMXMLParser& parser, std::string_view name,
+                    const TAttributes& attributes) override;
+
+ protected:
+  [[noreturn]] static void RefuseElement(TCIMXMLParser& parser, std::string_view name);
 
  private:
   static constexpr std::size_t kMaxChildren = 6;
 
+  std::unique_ptr<TParseState>& FindChild(TCIMXMLParser& parser, std::string_view name);
+
   const TChildRule* fChildren;
-  std::array<boost::shared_ptr<TParseState>, kMaxChildren> fSpares;  // by rule
+  std::array<std::unique_ptr<TParseState>, kMaxChildren> fChildStates;  // by rule
+  std::unique_ptr<TParseState>* fLastChild = &fChildStates.front();
 };
 
 template <class TState>
-boost::shared_ptr<TCIMXMLParser::TParseState> TCIMXMLParser::Make(TCIMXMLParser& parser) {
-  return boost::shared_ptr<TParseState>(new TState(parser));
+std::unique_ptr<TCIMXMLParser::TParseState> TCIMXMLParser::Make(TCIMXMLParser& parser) {
+  return std::make_unique<TState>(parser);
 }
 
 // Where VALUE and VALUE.ARRAY leave their value.
 struct TCIMXMLParser::TValueSlot {
   virtual void Take(TCIMValue&& value) { fValue.emplace(std::move(value)); }
   // The text of a VALUE.
-  virtual void TakeText(TCIMXMLParser& parser, const std::string& text) {
+  virtual void TakeText(TCIMXMLParser& parser, std::string_view text) {
     Take(parser.ParseValue(fType, text));
   }
 
@@ -103,7 +106,7 @@ class TCIMXMLParser::IReferenceSlot {
 // Where KEYVALUE leaves its text.
 class TCIMXMLParser::IKeySlot : public IReferenceSlot {
  public:
-  virtual void TakeKeyText(TCIMXMLParser& parser, const std::string& text) = 0;
+  virtual void TakeKeyText(TCIMXMLParser& parser, std::string_view text) = 0;
 
  protected:
   ~IKeySlot() = default;
@@ -121,22 +124,22 @@ class TCIMXMLParser::IPathSlot {
 
 // The attributes that properties have in common.
 struct TCIMXMLParser::TPropertyAttributes {
-  void Read(const TAttributeMap& attributes);
+  void Read(const TAttributes& attributes);
 
-  std::string name;
+  std::string_view name;
   TCIMValue::TCIMType type = TCIMValue::TCIMType::TypeNone;
   unsigned int arraySize = 0;
-  std::string referenceClass;
+  std::string_view referenceClass;
   // Without effect: a document writes a class's own properties only.
-  std::string classOrigin;
+  std::string_view classOrigin;
   bool propagated = false;
 };
 
 // What `lookUp` returns; its failure is logged before it passes on.
 template <class TLookUp>
-auto TCIMXMLParser::LookUp(const char* kind, const std::string& name, TLookUp&& lookUp) {
+auto TCIMXMLParser::LookUp(const char* kind, std::string_view name, TLookUp&& lookUp) {
   try {
-    return lookUp(name);
+    return lookUp();
   } catch (const TZELException&) {
     zelcore::detail::LogCore(
         zelLogError, zelcore::detail::Text("TCIMXMLParser: Couldn't find ", kind, " ", name));

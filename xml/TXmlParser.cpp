@@ -1,16 +1,22 @@
 #include "xml/TXmlParser.h"
 
+#ifdef __SSE2__
+#include <emmintrin.h>
+#endif
+
+#include <algorithm>
 #include <array>
+#include <cstdint>
 #include <cstring>
+#include <set>
 #include <utility>
-#include <vector>
 
 #include "zelcore/detail/Ascii.h"
 
-// One member per rule. A byte is looked up once in a table of classes; the hot loops walk the
-// buffer by pointer, while the rules around them read byte by byte with GetChar() and UngetChar(),
-// because the exact counts decide where an error is seen. Open elements stand on a stack of our
-// own, so that the depth of a document costs memory and no stack.
+// One member per rule. A byte is looked up in a table of classes; the hot loops walk the buffer by
+// pointer and text is searched by the block, while the rules around them read byte by byte with
+// GetChar() and UngetChar(), because the exact counts decide where an error is seen. Open elements
+// stand on a stack of our own, so that the depth of a document costs memory and no stack.
 
 using zelcore::detail::IsAsciiDigit;
 using zelcore::detail::IsAsciiLetter;
@@ -24,8 +30,6 @@ enum EByteClass : unsigned char {
   kStartsName = 1,
   kInName = 2,
   kIsSpace = 4,
-  kEndsText = 8,    // '<', '&' and the end of the buffer
-  kEndsValue = 16,  // these and both quotes
 };
 
 constexpr std::array<unsigned char, 256> MakeByteClasses() {
@@ -36,8 +40,6 @@ constexpr std::array<unsigned char, 256> MakeByteClasses() {
     if (IsAsciiLetter(c) || c == '_' || c == ':') bits |= kStartsName | kInName;
     if (IsAsciiDigit(c) || c == '.' || c == '-') bits |= kInName;
     if (c == ' ' || c == '\t' || c == '\r' || c == '\n') bits |= kIsSpace;
-    if (c == '<' || c == '&' || c == '\0') bits |= kEndsText | kEndsValue;
-    if (c == '"' || c == '\'') bits |= kEndsValue;
     classes[static_cast<std::size_t>(i)] = bits;
   }
   return classes;
@@ -49,25 +51,72 @@ bool Is(char c, EByteClass byteClass) {
   return kByteClasses[static_cast<unsigned char>(c)] & byteClass;
 }
 
-// The first byte from `at` on that is of the class. The class must hold the NUL.
-char* Find(char* at, EByteClass byteClass) {
-  while (!Is(*at, byteClass)) ++at;
-  return at;
-}
-
 // The first byte from `at` on that is not of the class.
-char* FindNot(char* at, EByteClass byteClass) {
+inline char* FindNot(char* at, EByteClass byteClass) {
   while (Is(*at, byteClass)) ++at;
   return at;
 }
 
-// Names are too short for a call to be worth it.
-bool AreSame(const std::string& a, std::string_view b) {
-  if (a.size() != b.size()) return false;
-  for (std::size_t i = 0; i < b.size(); ++i) {
-    if (a[i] != b[i]) return false;
+#if defined(__SSE2__) && !defined(__SANITIZE_ADDRESS__)
+// By blocks of 16 bytes, read whole where that stays in the page: what follows the buffer can be
+// read then, and is not looked at.
+constexpr std::size_t kBlock = 16;
+
+inline bool HasBlock(const char* at) {
+  constexpr std::uintptr_t kPage = 4096;
+  return reinterpret_cast<std::uintptr_t>(at) % kPage <= kPage - kBlock;
+}
+
+inline __m128i IsBetween(__m128i bytes, char first, char last) {
+  const __m128i distance = _mm_sub_epi8(bytes, _mm_set1_epi8(first));
+  const __m128i most = _mm_set1_epi8(static_cast<char>(last - first));
+  return _mm_cmpeq_epi8(_mm_min_epu8(distance, most), distance);
+}
+
+inline unsigned int Places(__m128i found) {
+  return static_cast<unsigned int>(_mm_movemask_epi8(found));
+}
+
+// Bit by bit, the first lowest: where '<', '&', NUL or `other` stands.
+inline unsigned int FindMarkupIn(__m128i bytes, char other) {
+  const auto is = [bytes](char c) { return _mm_cmpeq_epi8(bytes, _mm_set1_epi8(c)); };
+  return Places(_mm_or_si128(_mm_or_si128(is('<'), is('&')), _mm_or_si128(is('\0'), is(other))));
+}
+
+// Where the bytes stand that are in no name.
+inline unsigned int FindNoNameIn(__m128i bytes) {
+  const __m128i lower = _mm_or_si128(bytes, _mm_set1_epi8(0x20));
+  const __m128i letters =
+      _mm_or_si128(IsBetween(lower, 'a', 'z'), _mm_cmpeq_epi8(bytes, _mm_set1_epi8('_')));
+  const __m128i others = _mm_or_si128(IsBetween(bytes, '0', ':'), IsBetween(bytes, '-', '.'));
+  return ~Places(_mm_or_si128(letters, others)) & 0xFFFF;
+}
+
+template <class TFind>
+char* FindByBlocks(char* at, TFind&& find) {
+  while (HasBlock(at)) {
+    const unsigned int places = find(_mm_loadu_si128(reinterpret_cast<const __m128i*>(at)));
+    if (places != 0) return at + __builtin_ctz(places);
+    at += kBlock;
   }
-  return true;
+  return at;
+}
+#else
+#endif
+
+// The first byte from `at` on that is '<', '&', NUL or `other`.
+inline char* FindMarkup(char* at, char other) {
+  for (;;) {
+    at = FindByBlocks(at, [other](__m128i bytes) { return FindMarkupIn(bytes, other); });
+    if (HasBlock(at)) return at;
+    for (int i = 0; i < 16; ++i, ++at)
+      if (*at == '<' || *at == '&' || *at == other || *at == '\0') return at;
+  }
+}
+inline char* FindNameEnd(char* at) {
+  if (!HasBlock(at)) return FindNot(at, kInName);
+  const unsigned int places = FindNoNameIn(_mm_loadu_si128(reinterpret_cast<const __m128i*>(at)));
+  return places ? at + __builtin_ctz(places) : FindNot(at + 16, kInName);
 }
 
 // 0 when `begin` is behind `end`.
@@ -94,6 +143,13 @@ constexpr TEntity kEntities[] = {
     {"lt;",   '<' },
     {"quot;", '"' },
 };
+
+// How much of `name` stands at `text`, in any case of letters.
+std::size_t CountCommon(const char* text, std::string_view name) {
+  std::size_t count = 0;
+  while (count < name.size() && ToAsciiLower(text[count]) == name[count]) ++count;
+  return count;
+}
 
 // 16 for what is no hexadecimal digit.
 int DigitValue(char c) {
@@ -137,7 +193,10 @@ class TXmlParser::TOpenElements {
     fParser.Uncover(fElements.back().nameEnd, fElements.back().covered);
     fElements.pop_back();
   }
-  const char* GetName() const { return fElements.back().name; }
+  std::string_view GetName() const {
+    const TElement& element = fElements.back();
+    return {element.name, static_cast<std::size_t>(element.nameEnd - element.name)};
+  }
 
  private:
   struct TElement {
@@ -151,46 +210,72 @@ class TXmlParser::TOpenElements {
   std::vector<TElement> fElements;
 };
 
-// The attributes of one start tag after the other. Tags alike mostly carry the same attributes, so
-// a map is kept as it was for the next tag of its kind, which then only assigns values.
-class TXmlParser::TAttributes {
+// The attributes of one start tag.
+class TXmlParser::TAttributeList {
  public:
-  // Begins the tag of that name.
-  void Begin(std::string_view tag) {
-    // The factors keep the element names of CIM-XML apart.
-    const std::size_t kind = tag.size() + std::size_t{5} * static_cast<unsigned char>(tag.front()) +
-                             std::size_t{6} * static_cast<unsigned char>(tag.back());
-    fMap = &fMaps[kind % std::size(fMaps)];
-    fNext = fMap->begin();
+  void Clear() {
+    fAttributes.clear();
+    fInitials = 0;
+    if (!fNames.empty()) fNames.clear();
   }
 
   // False for a name that the tag has already.
-  bool Insert(std::string_view name, std::string_view value) {
-    if (fNext != fMap->end() && AreSame(fNext->first, name)) {
-      fNext->second.assign(value);
-      ++fNext;
-      return true;
-    }
-    DropRest();
-    return fMap->emplace(name, value).second;
+  bool Add(std::string_view name, std::string_view value) {
+    const std::uint64_t initial = std::uint64_t{1} << (static_cast<unsigned char>(name[0]) % 64);
+    if ((fInitials & initial) != 0 && Has(name)) return false;
+    fInitials |= initial;
+    fAttributes.emplace_back(name, value);
+    return true;
   }
 
-  // The attributes inserted since Begin().
-  TAttributeMap& Finish() {
-    DropRest();
-    return *fMap;
+  const TAttributes& Get() const { return fAttributes; }
+
+ private:
+  static constexpr std::size_t kFew = 16;
+
+  bool Has(std::string_view name) {
+    while (fAttributes.size() > kFew && fNames.size() < fAttributes.size()) {
+      fNames.insert(fAttributes[fNames.size()].name);
+    }
+    if (!fNames.empty()) return fNames.count(name) != 0;
+    return std::any_of(fAttributes.begin(), fAttributes.end(),
+                       [name](const TAttribute& other) { return other.name == name; });
+  }
+
+  TAttributes fAttributes;
+  std::uint64_t fInitials = 0;        // a bit for each name's first byte
+  std::set<std::string_view> fNames;  // of many attributes, as far as one had to be looked up
+};
+
+// Attributes as StartElement() is told of them. Tags alike mostly carry the same attributes, so a
+// map is kept as it was for the next tag of its kind, which then only assigns values.
+class TXmlParser::TAttributeMaps {
+ public:
+  TAttributeMap& Fill(std::string_view tag, const TAttributes& attributes) {
+    // The factors keep the element names of CIM-XML apart.
+    const std::size_t kind = tag.size() + std::size_t{5} * static_cast<unsigned char>(tag.front()) +
+                             std::size_t{6} * static_cast<unsigned char>(tag.back());
+    TAttributeMap& map = fMaps[kind % std::size(fMaps)];
+    auto next = map.begin();
+    for (const TAttribute& attribute : attributes) {
+      if (next != map.end() && next->first == attribute.name) {
+        next->second.assign(attribute.value);
+        ++next;
+      } else {
+        map.erase(next, map.end());
+        map.emplace(attribute.name, attribute.value);
+        next = map.end();
+      }
+    }
+    map.erase(next, map.end());
+    return map;
   }
 
  private:
-  // What an earlier tag left behind in places that this one has not come to.
-  void DropRest() {
-    if (fNext != fMap->end()) fNext = fMap->erase(fNext, fMap->end());
-  }
-
   std::array<TAttributeMap, 32> fMaps;
-  TAttributeMap* fMap = nullptr;
-  TAttributeMap::iterator fNext;
 };
+
+TXmlParser::TXmlParser() = default;
 
 TXmlParser::~TXmlParser() = default;
 
@@ -203,6 +288,16 @@ void TXmlParser::Parse(char* buffer) {
   }
 }
 
+void TXmlParser::StartTag(std::string_view name, const TAttributes& attributes) {
+  if (!fMaps) fMaps = std::make_unique<TAttributeMaps>();
+  StartElement(name.data(), fMaps->Fill(name, attributes));
+}
+
+void TXmlParser::TextRun(std::string_view text) {
+  TNulGuard terminated(*this, fPosition);
+  characters(text.data(), static_cast<unsigned int>(text.size()));
+}
+
 unsigned int TXmlParser::GetCurLine() const {
   fCountedLines += CountLineFeeds(fCountedTo, fPosition);
   fCountedLines -= CountLineFeeds(fPosition, fCountedTo);
@@ -210,10 +305,20 @@ unsigned int TXmlParser::GetCurLine() const {
   return fCountedLines + 1;
 }
 
+// Reads one byte, and tells whether it is this.
+inline bool TXmlParser::Take(char wanted) {
+  if (*fPosition == wanted) {
+    ++fPosition;
+    return true;
+  }
+  GetChar();
+  return false;
+}
+
 // name := [A-Za-z_:] [A-Za-z0-9._:-]*
 inline bool TXmlParser::ReadName() {
   if (!Is(GetChar(), kStartsName)) return Refuse("Invalid element/attribute name");
-  fPosition = FindNot(fPosition, kInName);
+  fPosition = FindNameEnd(fPosition);
   return true;
 }
 
@@ -305,7 +410,7 @@ bool TXmlParser::SkipComment() {
 // element := startTag [content endTag]      Children are read in the same loop.
 bool TXmlParser::ParseElement() {
   TOpenElements open(*this);
-  TAttributes attributes;
+  TAttributeList attributes;
   do {
     if (!ParseStartTag(open, attributes) || !ParseContent(open)) return false;
   } while (!open.IsEmpty());
@@ -313,21 +418,21 @@ bool TXmlParser::ParseElement() {
 }
 
 // startTag := '<' name attribute* ('>' | '/>')
-inline bool TXmlParser::ParseStartTag(TOpenElements& open, TAttributes& attributes) {
+inline bool TXmlParser::ParseStartTag(TOpenElements& open, TAttributeList& attributes) {
   if (GetChar() != '<') return Refuse("Unexpected character before element");
   char* const name = fPosition;
   if (!ReadName()) return false;
   char* const nameEnd = fPosition;
-  attributes.Begin({name, static_cast<std::size_t>(nameEnd - name)});
+  attributes.Clear();
   while (ReadWhitespace() && PeekChar() != '/' && PeekChar() != '>') {
     if (!ParseAttribute(attributes)) return false;
   }
   const bool isEmpty = PeekChar() == '/';
-  if (isEmpty) GetChar();
-  if (GetChar() != '>') return Refuse("Unexpected character before end of element");
+  if (isEmpty) ++fPosition;
+  if (!Take('>')) return Refuse("Unexpected character before end of element");
 
   open.Push(name, nameEnd);
-  StartElement(name, attributes.Finish());
+  StartTag({name, static_cast<std::size_t>(nameEnd - name)}, attributes.Get());
   if (isEmpty) {
     EndElement(name);
     open.Pop();
@@ -336,12 +441,12 @@ inline bool TXmlParser::ParseStartTag(TOpenElements& open, TAttributes& attribut
 }
 
 // attribute := name '=' ('"' value '"' | "'" value "'")
-inline bool TXmlParser::ParseAttribute(TAttributes& attributes) {
+inline bool TXmlParser::ParseAttribute(TAttributeList& attributes) {
   char* const name = fPosition;
   if (!ReadName()) return false;
   char* const nameEnd = fPosition;
   ReadWhitespace();
-  if (GetChar() != '=') return Refuse("Unexpected character between attribute name and value");
+  if (!Take('=')) return Refuse("Unexpected character between attribute name and value");
   ReadWhitespace();
   const char quote = GetChar();
   if (quote != '"' && quote != '\'') {
@@ -349,16 +454,13 @@ inline bool TXmlParser::ParseAttribute(TAttributes& attributes) {
   }
 
   char* const value = fPosition;
-  char* valueEnd = Find(value, kEndsValue);
-  while (*valueEnd != quote && (*valueEnd == '"' || *valueEnd == '\'')) {
-    valueEnd = Find(valueEnd + 1, kEndsValue);
-  }
+  char* const valueEnd = FindMarkup(value, quote);
   fPosition = valueEnd;
-  if (GetChar() != quote) return Refuse("Unexpected character in attribute value");
+  if (!Take(quote)) return Refuse("Unexpected character in attribute value");
 
   for (char* c = name; c != nameEnd; ++c) *c = ToAsciiLower(*c);
-  if (attributes.Insert({name, static_cast<std::size_t>(nameEnd - name)},
-                        {value, static_cast<std::size_t>(valueEnd - value)})) {
+  if (attributes.Add({name, static_cast<std::size_t>(nameEnd - name)},
+                     {value, static_cast<std::size_t>(valueEnd - value)})) {
     return true;
   }
   // The line is counted while both texts stand terminated in the buffer.
@@ -372,13 +474,14 @@ inline bool TXmlParser::ParseAttribute(TAttributes& attributes) {
 inline bool TXmlParser::ParseContent(TOpenElements& open) {
   while (!open.IsEmpty()) {
     ParseCharData();
-    if (GetChar() != '<') return Refuse("Unexpected character where element expected");
-    const char next = GetChar();
+    if (!Take('<')) return Refuse("Unexpected character where element expected");
+    const char next = PeekChar();
     if (next == '/') {
+      ++fPosition;
       if (!ParseEndTag(open)) return false;
       continue;
     }
-    Unget(2);  // sic: at the end of the buffer this is one byte before the '<'
+    Unget(next ? 1 : 2);  // sic: at the end of the buffer this is one byte before the '<'
     if (next != '?' && next != '!') return true;
     if (!(next == '?' ? ParseProcessingInstruction() : SkipComment())) return false;
   }
@@ -387,15 +490,15 @@ inline bool TXmlParser::ParseContent(TOpenElements& open) {
 
 // endTag := '</' name '>'      The '</' has been read.
 inline bool TXmlParser::ParseEndTag(TOpenElements& open) {
-  const char* started = open.GetName();
-  char* ended = fPosition;
-  for (; *started && *started == *ended; ++started) ++ended;
-  if (*started) return ReadName() && Refuse("Start and end element names don't match");
+  const std::string_view name = open.GetName();
+  if (std::strncmp(name.data(), fPosition, name.size()) != 0) {
+    return ReadName() && Refuse("Start and end element names don't match");
+  }
   // sic: only as much as the start tag says is compared, so </abcd> ends <abc>.
-  fPosition = FindNot(ended, kInName);
+  fPosition = FindNot(fPosition + name.size(), kInName);
   ReadWhitespace();
-  if (GetChar() != '>') return Refuse("Unexpected character before end of element");
-  EndElement(open.GetName());
+  if (!Take('>')) return Refuse("Unexpected character before end of element");
+  EndElement(name.data());
   open.Pop();
   return true;
 }
@@ -405,10 +508,9 @@ bool TXmlParser::ParseCharData() {
   bool hasReported = false;
   for (;;) {
     char* const text = fPosition;
-    fPosition = Find(text, kEndsText);
+    fPosition = FindMarkup(text, '\0');
     if (fPosition != text) {
-      TNulGuard terminated(*this, fPosition);
-      characters(text, static_cast<unsigned int>(fPosition - text));
+      TextRun({text, static_cast<std::size_t>(fPosition - text)});
       hasReported = true;
     }
     if (PeekChar() != '&') return hasReported;
@@ -421,16 +523,18 @@ bool TXmlParser::ParseCharData() {
 bool TXmlParser::ParseReference() {
   GetChar();
   if (PeekChar() == '#') return ParseNumericReference();
-  std::string name;
-  bool mayMatch = true;
-  while (mayMatch) {
-    name += ToAsciiLower(GetChar());
-    mayMatch = false;
-    for (const TEntity& entity : kEntities) {
-      if (entity.name == name) return Report(entity.byte);
-      mayMatch |= entity.name.substr(0, name.size()) == name;
+  std::size_t most = 0;
+  for (const TEntity& entity : kEntities) {
+    const std::size_t common = CountCommon(fPosition, entity.name);
+    if (common == entity.name.size()) {
+      fPosition += common;
+      return Report(entity.byte);
     }
+    most = std::max(most, common);
   }
+  // What could have begun one is read, and the byte behind.
+  fPosition += most;
+  GetChar();
   FatalError("Unknown entity reference");
   return false;
 }
@@ -494,7 +598,7 @@ bool TXmlParser::SkipPast(std::string_view terminator) {
 }
 
 void TXmlParser::Unget(int count) {
-  while (count-- > 0 && fPosition > fStart) --fPosition;
+  fPosition -= std::min<std::ptrdiff_t>(count, fPosition - fStart);
 }
 
 // Puts a NUL over a byte and returns the byte. A line feed that is hidden or comes back is taken

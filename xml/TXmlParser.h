@@ -1,8 +1,10 @@
 #pragma once
 
 #include <map>
+#include <memory>
 #include <string>
 #include <string_view>
+#include <vector>
 
 #include "zelcore/detail/Export.h"
 
@@ -21,6 +23,7 @@
 //   content  := (charData | element | processingInstruction | comment)*
 class ZEL_API TXmlParser {
  public:
+  TXmlParser();
   virtual ~TXmlParser();
 
   // The callbacks, in document order. Every pointer is valid during the call only; texts are
@@ -48,7 +51,27 @@ class ZEL_API TXmlParser {
   // behind the name of an open element is covered by a NUL then, and not counted.
   unsigned int GetCurLine() const;
 
+  // An attribute where it stands in the buffer, the name lowercased.
+  struct TAttribute {
+    TAttribute(std::string_view n, std::string_view v) : name(n), value(v) {}
+    // NOLINTNEXTLINE(google-explicit-constructor): the same in another form
+    TAttribute(const std::pair<const std::string, std::string>& attribute)
+        : name(attribute.first), value(attribute.second) {}
+
+    std::string_view name;
+    std::string_view value;
+  };
+  using TAttributes = std::vector<TAttribute>;
+
  protected:
+  // For readers that need no copies: StartElement() and characters() are told by these two, unless
+  // a subclass takes the text in place. The views stay valid until Parse() returns.
+
+  // `name` is NUL-terminated. The attributes are in the order of the document.
+  virtual void StartTag(std::string_view name, const TAttributes& attributes);
+  // `text` stands in the buffer, with no NUL in it, nor behind it.
+  virtual void TextRun(std::string_view text);
+
   // The grammar. True: the rule read what it is for.
   bool ParseProlog();
   bool ParseXMLDecl();
@@ -70,14 +93,16 @@ class ZEL_API TXmlParser {
  private:
   class TNulGuard;
   class TOpenElements;
-  class TAttributes;
+  class TAttributeList;
+  class TAttributeMaps;
 
   // Inline in the source: the rules around them are too hot for calls.
   bool ReadName();
   bool ReadWhitespace();
+  bool Take(char wanted);
 
-  bool ParseStartTag(TOpenElements& open, TAttributes& attributes);
-  bool ParseAttribute(TAttributes& attributes);
+  bool ParseStartTag(TOpenElements& open, TAttributeList& attributes);
+  bool ParseAttribute(TAttributeList& attributes);
   bool ParseContent(TOpenElements& open);
   bool ParseEndTag(TOpenElements& open);
   bool ParseReference();
@@ -92,6 +117,7 @@ class ZEL_API TXmlParser {
   char Cover(char* at);
   void Uncover(char* at, char byte);
 
+  std::unique_ptr<TAttributeMaps> fMaps;  // once StartElement() has been told of a tag
   char* fPosition = nullptr;
   char* fStart = nullptr;
   // The line feeds that stand before fCountedTo, so that no line is counted twice.

@@ -2,6 +2,7 @@
 
 #include <boost/shared_ptr.hpp>
 #include <string>
+#include <string_view>
 #include <vector>
 
 #include "zelcore/ICIMElement.h"
@@ -70,5 +71,10 @@ class ZEL_API TCIMInstance : public ICIMElement {
   boost::shared_ptr<TCIMInstanceImpl> GetBody() const;
 
  private:
+  friend class TCIMXMLParser;
+
+  // FindProperty() of a name that stands somewhere: null also for one that is not valid.
+  TCIMProperty* FindPropertyNamed(std::string_view name) const;
+
   boost::shared_ptr<TCIMInstanceImpl> fBody;
 };
