@@ -1,24 +1,8 @@
 #include "cim/Names.h"
 
 #include <algorithm>
-#include <cstdint>
-#include <cstring>
 
 #include "zelcore/detail/Fail.h"
-
-namespace {
-
-// How many bytes in front are equal, in words: names often begin alike.
-std::size_t CountEqual(const char* a, const char* b, std::size_t size) {
-  std::size_t count = 0;
-  while (size - count >= sizeof(std::uint64_t) &&
-         std::memcmp(a + count, b + count, sizeof(std::uint64_t)) == 0) {
-    count += sizeof(std::uint64_t);
-  }
-  return count;
-}
-
-}  // namespace
 
 namespace zelcore::detail {
 
@@ -36,7 +20,7 @@ void CheckName(const std::string& name) {
 
 bool TNameLess::operator()(std::string_view a, std::string_view b) const {
   const std::size_t common = std::min(a.size(), b.size());
-  for (std::size_t i = CountEqual(a.data(), b.data(), common); i < common; ++i) {
+  for (std::size_t i = 0; i < common; ++i) {
     if (a[i] == b[i]) continue;
     const auto x = static_cast<unsigned char>(ToAsciiLower(a[i]));
     const auto y = static_cast<unsigned char>(ToAsciiLower(b[i]));

@@ -1,4 +1,3 @@
-#include <array>
 #include <iterator>
 #include <ostream>
 
@@ -22,28 +21,13 @@ constexpr std::string_view kTypeTexts[] = {
 };
 static_assert(std::size(kTypeTexts) == TCIMType::TypeReference + 1);
 
-constexpr std::size_t kPlaces = 32;
-
-// Apart for the names of types, whatever the case of their letters.
-constexpr std::size_t PlaceOf(std::string_view name) {
-  return ((name.front() | 0x20) + 6 * (name.back() | 0x20)) % kPlaces;
-}
-
-// The codes that have a name which is read, by its place.
-constexpr std::array<unsigned char, kPlaces> MakeCodes() {
-  std::array<unsigned char, kPlaces> codes{};
-  for (unsigned char code = TCIMType::TypeBoolean; code <= TCIMType::TypeDateTime; ++code) {
-    if (code != TCIMType::TypeChar) codes[PlaceOf(kTypeTexts[code])] = code;
-  }
-  return codes;
-}
-
-constexpr std::array<unsigned char, kPlaces> kCodes = MakeCodes();
-
 TCIMType::ECIMType FindType(const std::string& name) {
-  const unsigned char code = name.empty() ? 0 : kCodes[PlaceOf(name)];
-  if (code == 0 || !EqualsIgnoringAsciiCase(name, kTypeTexts[code])) Fail(zelStatusTypeMismatch);
-  return TCIMType::ECIMType(code);
+  for (unsigned int code = TCIMType::TypeBoolean; code <= TCIMType::TypeDateTime; ++code) {
+    if (code != TCIMType::TypeChar && EqualsIgnoringAsciiCase(name, kTypeTexts[code])) {
+      return TCIMType::ECIMType(code);
+    }
+  }
+  Fail(zelStatusTypeMismatch);
 }
 
 }  // namespace

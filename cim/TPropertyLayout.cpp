@@ -1,7 +1,6 @@
 #include "cim/TPropertyLayout.h"
 
 #include <algorithm>
-#include <cstring>
 
 #include "cim/SchemaChanges.h"
 #include "cim/TCIMPropertyDeclImpl.h"
@@ -9,6 +8,7 @@
 
 using zelcore::detail::EqualsIgnoringAsciiCase;
 using zelcore::detail::TNameLess;
+using zelcore::detail::ToAsciiLower;
 using zelcore::detail::TSchemaChanges;
 
 TPropertyLayout::TPropertyLayout(const TPropertyDecls& decls) : fChanges(TSchemaChanges::Count()) {
@@ -18,7 +18,7 @@ TPropertyLayout::TPropertyLayout(const TPropertyDecls& decls) : fChanges(TSchema
     byName.emplace(TContainerImpl::NormalizeName(decl->GetName()), decl);
   }
   fSlots.reserve(byName.size());
-  for (const auto& [key, decl] : byName) fSlots.push_back({key, decl->GetName(), decl});
+  for (const auto& [key, decl] : byName) fSlots.push_back({key, decl});
 
   BuildIndex();
   fStampSlot = Find("DateTimeOfCollection");
@@ -44,20 +44,10 @@ void TPropertyLayout::BuildIndex() {
 
 bool TPropertyLayout::IsCurrent() const { return fChanges == TSchemaChanges::Count(); }
 
-// Looks at both ends of long names only.
 std::uint32_t TPropertyLayout::Hash(std::string_view name) {
-  constexpr std::uint64_t kLowerCase = 0x2020202020202020;  // folds more than letters: no matter
-  std::uint64_t head = 0;
-  std::uint64_t tail = name.size();
-  if (name.size() >= sizeof head) {
-    std::memcpy(&head, name.data(), sizeof head);
-    std::memcpy(&tail, name.data() + name.size() - sizeof tail, sizeof tail);
-  } else {
-    for (const char c : name) head = head << 8 | static_cast<unsigned char>(c);
-  }
-  const std::uint64_t hash =
-      ((head | kLowerCase) * 0x9E3779B97F4A7C15 ^ (tail | kLowerCase)) * 0xC2B2AE3D27D4EB4F;
-  return static_cast<std::uint32_t>(hash >> 32);
+  std::uint32_t hash = 2166136261u;
+  for (const char c : name) hash = (hash ^ static_cast<unsigned char>(ToAsciiLower(c))) * 16777619u;
+  return hash ^ (hash >> 15);
 }
 
 std::size_t TPropertyLayout::Find(std::string_view name) const {
@@ -72,7 +62,6 @@ std::size_t TPropertyLayout::Find(std::string_view name) const {
   const std::size_t mask = fIndex.size() - 1;
   for (std::size_t place = Hash(name) & mask; fIndex[place] != 0; place = (place + 1) & mask) {
     const std::size_t slot = fIndex[place] - 1;
-    if (fSlots[slot].written == name) return slot;  // as it mostly is
     if (EqualsIgnoringAsciiCase(fSlots[slot].key, name)) return slot;
   }
   return kNoSlot;

@@ -46,7 +46,6 @@ class TPropertyLayout {
  private:
   struct TSlot {
     std::string key;
-    std::string written;  // the name as it was declared
     boost::shared_ptr<TCIMPropertyDecl> decl;
   };
 
