@@ -29,10 +29,16 @@ struct TChanges {
 class TPage {
  public:
   TPage(const TInventory& inventory, const TChanges* changes, std::ostream& out)
-      : fInventory(inventory), fChanges(changes), fAnchors(inventory), fOut(out) {
-    const std::vector<TFactGroup> facts = FactsOf(inventory);
-    for (const TFactGroup& group : facts) fFacts.push_back(group);
+      : fInventory(inventory),
+        fChanges(changes),
+        fAnchors(inventory),
+        fOut(out),
+        fFacts(FactsOf(inventory)) {
     fHost = fFacts.front().facts.front().text;
+    for (const TSection& section : inventory.GetSections()) {
+      if (CountOf(section) != 0) fSections.push_back(&section);
+    }
+    fHasEmpty = fSections.size() != inventory.GetSections().size();
   }
 
   void Write() {
@@ -43,9 +49,10 @@ class TPage {
     WriteNotices();
     if (fChanges) WriteChanges(fChanges->before, fChanges->comparison, fAnchors, fOut);
     WriteSummary();
-    for (const TSection& section : fInventory.GetSections()) {
-      WriteSection(section, fInventory, fAnchors, fOut);
+    for (const TSection* section : fSections) {
+      WriteSection(*section, fInventory, fAnchors, fOut);
     }
+    if (fHasEmpty) WriteEmptySections(fInventory, fOut);
     fOut << "</main>\n";
     WriteFooter();
     fOut << Markup("<script>{}</script>\n</body>\n</html>\n",
@@ -84,17 +91,17 @@ class TPage {
   void WriteSide() {
     fOut << "<div class=\"side\">\n"
             "<div id=\"search\" role=\"search\" hidden>\n"
-            "<label for=\"query\">Search</label>\n"
+            "<label for=\"query\">Search <kbd aria-hidden=\"true\">/</kbd></label>\n"
             "<input id=\"query\" type=\"search\" autocomplete=\"off\" spellcheck=\"false\" "
             "aria-describedby=\"found\" aria-keyshortcuts=\"/\">\n"
-            "<kbd aria-hidden=\"true\">/</kbd>\n"
             "<p id=\"found\" role=\"status\" aria-live=\"polite\"></p>\n</div>\n"
             "<nav aria-label=\"Contents\">\n<ol>\n";
-    if (fChanges) WriteEntry(kChangesAnchor, "Changes", CountOf(fChanges->comparison));
+    if (fChanges) WriteEntry(kChangesAnchor, "Changes", CountChanges(fChanges->comparison));
     WriteEntry(kSummaryAnchor, "Summary", 0);
-    for (const TSection& section : fInventory.GetSections()) {
-      WriteEntry(AnchorOf(section), Printable(section.name), CountOf(section));
+    for (const TSection* section : fSections) {
+      WriteEntry(AnchorOf(*section), Printable(section->name), CountOf(*section));
     }
+    if (fHasEmpty) WriteEntry(kEmptyAnchor, kEmptyTitle, 0);
     fOut << "</ol>\n</nav>\n</div>\n";
   }
 
@@ -104,14 +111,8 @@ class TPage {
     fOut << "</a></li>\n";
   }
 
-  static std::size_t CountOf(const TComparison& comparison) {
+  static std::size_t CountChanges(const TComparison& comparison) {
     return comparison.CountAdded() + comparison.CountRemoved() + comparison.CountChanged();
-  }
-
-  static std::size_t CountOf(const TSection& section) {
-    std::size_t count = 0;
-    for (const TCIMClass* cls : section.classes) count += cls->EnumerateInstances(false).size();
-    return count;
   }
 
   // What one must know before believing the rest.
@@ -144,10 +145,8 @@ class TPage {
   }
 
   void WriteSummary() {
-    fOut << Markup(
-        "<section id=\"{0}\" aria-labelledby=\"{0}-title\">\n"
-        "<h2 id=\"{0}-title\">Summary</h2>\n<div class=\"cards\">\n",
-        kSummaryAnchor);
+    OpenSection(kSummaryAnchor, "Summary", fOut);
+    fOut << "<div class=\"cards\">\n";
     for (const TFactGroup& group : fFacts) {
       fOut << Markup("<div class=\"facts card\">\n<h3>{}</h3>\n<dl>\n", group.heading);
       for (const TFact& fact : group.facts) {
@@ -161,7 +160,7 @@ class TPage {
   }
 
   void WriteFooter() {
-    char now[sizeof "2026-11-21 12:19:01 +00:00"] = "";
+    char now[sizeof "2026-11-21 12:19:01"] = "";
     const time_t seconds = time(nullptr);
     tm local = {};
     localtime_r(&seconds, &local);
@@ -176,6 +175,8 @@ class TPage {
   std::ostream& fOut;
   std::vector<TFactGroup> fFacts;
   std::string fHost;
+  std::vector<const TSection*> fSections;  // that have instances
+  bool fHasEmpty;
 };
 
 }  // namespace

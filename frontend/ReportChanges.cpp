@@ -20,13 +20,13 @@ class TChangesWriter {
         "<thead><tr><th scope=\"col\">Change</th><th scope=\"col\">Instance</th>"
         "<th scope=\"col\">Property</th><th scope=\"col\">Before</th><th scope=\"col\">After</th>"
         "</tr></thead>\n",
-        Printable(TitleOf(cls)), differences.className);
+        TitleOf(cls), differences.className);
     for (const TChangedInstance& changed : differences.changed) WriteChanged(changed);
     for (const TCIMInstance* instance : differences.added) {
       WriteWhole("added", fAnchors.LinkTo(*instance), *instance);
     }
     for (const TCIMInstance* instance : differences.removed) {
-      WriteWhole("removed", Markup("{}", Printable(TitleOf(instance->BuildPath()))), *instance);
+      WriteWhole("removed", Markup("{}", TitleOf(instance->BuildPath())), *instance);
     }
     fOut << "</table>\n</div>\n</div>\n";
   }
@@ -46,7 +46,7 @@ class TChangesWriter {
       const TChangeTexts texts = TextsOf(property);
       fOut << row
            << Markup("<td>{}</td><td><del>{}</del></td><td><ins>{}</ins></td></tr>\n",
-                     Words(property.after->GetName()), texts.before, texts.after);
+                     LabelOf(*property.after->GetDeclaration()), texts.before, texts.after);
       row = "<tr>";
     }
     fOut << "</tbody>\n";
@@ -59,8 +59,8 @@ class TChangesWriter {
     for (const TCIMPropertyDecl* decl : ColumnsOf(*instance.GetClass()).shown) {
       const TCIMProperty& property = *instance.GetProperty(decl->GetName());
       if (property.GetValue().IsNull()) continue;
-      facts += fmt::format("{}{} {}", facts.empty() ? "" : ", ", Words(decl->GetName()),
-                           PropertyText(property));
+      facts +=
+          fmt::format("{}{} {}", facts.empty() ? "" : ", ", LabelOf(*decl), PropertyText(property));
     }
     fOut << Markup("<td colspan=\"3\">{}</td></tr></tbody>\n", facts);
   }
@@ -80,15 +80,13 @@ const TCIMClass& ClassOf(const TClassDifferences& differences) {
 
 void WriteChanges(const TInventory& before, const TComparison& comparison, const TAnchors& anchors,
                   std::ostream& out) {
-  out << Markup(
-      "<section id=\"{0}\" aria-labelledby=\"{0}-title\">\n<h2 id=\"{0}-title\">Changes</h2>\n",
-      kChangesAnchor);
+  OpenSection(kChangesAnchor, "Changes", out);
   if (comparison.HasDifferences()) {
-    out << Markup("<p>{} added, {} removed, {} changed",
+    out << Markup("<p class=\"lead-in\">{} added, {} removed, {} changed",
                   Counted(comparison.CountAdded(), "instance"), comparison.CountRemoved(),
                   comparison.CountChanged());
   } else {
-    out << "<p>Nothing differs";
+    out << "<p class=\"lead-in\">Nothing differs";
   }
   out << Markup(" since {}.</p>\n", NameOf(before));
   TChangesWriter writer(anchors, out);

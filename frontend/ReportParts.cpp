@@ -29,7 +29,9 @@ std::vector<std::string> TellingKeys(const TCIMReference& path, TNameKey name) {
 std::string TitleWith(const TCIMReference& path, TNameKey name) {
   const std::vector<std::string> keys = TellingKeys(path, name);
   if (path.GetClass()->IsAssociation()) return Joined(keys, ", ");
-  return fmt::format("{} {}", TitleOf(*path.GetClass()), Joined(keys, " "));
+  const std::string title = TitleOf(*path.GetClass());
+  const std::string own = Joined(keys, " ");
+  return own == title ? title : fmt::format("{} {}", title, own);
 }
 
 std::string PathWith(const TCIMReference& path, TNameKey name) {
@@ -51,8 +53,13 @@ std::string TextOf(const TCIMQualifier* qualifier) {
 
 std::string TitleOf(const TCIMClass& cls) {
   const std::string display = TextOf(cls.FindQualifier("DISPLAYNAME"));
-  if (!display.empty()) return display;
+  if (!display.empty()) return Printable(display);
   return Words(cls.GetName().substr(cls.GetName().find('_') + 1));
+}
+
+std::string LabelOf(const TCIMPropertyDecl& decl) {
+  const std::string display = TextOf(decl.FindQualifier("DISPLAYNAME"));
+  return display.empty() ? Words(decl.GetName()) : Printable(display);
 }
 
 std::string TitleOf(const TCIMReference& path) {
@@ -71,6 +78,12 @@ std::string Counted(std::size_t count, const std::string& what) {
   return fmt::format("{} {}{}", count, what, count == 1 ? "" : "s");
 }
 
+void OpenSection(const std::string& anchor, const std::string& title, std::ostream& out) {
+  out << Markup(
+      "<section id=\"{0}\" aria-labelledby=\"title-of-{0}\">\n<h2 id=\"title-of-{0}\">{1}</h2>\n",
+      anchor, title);
+}
+
 TAnchors::TAnchors(const TInventory& inventory) {
   std::unordered_map<std::string, std::size_t> uses;
   for (const TCIMClass* cls : inventory.AllClasses()) {
@@ -84,7 +97,7 @@ TAnchors::TAnchors(const TInventory& inventory) {
 }
 
 TMarkup TAnchors::LinkTo(const TCIMInstance& instance) const {
-  return Markup("<a href=\"#{}\">{}</a>", Of(instance), Printable(TitleOf(instance.BuildPath())));
+  return Markup("<a href=\"#{}\">{}</a>", Of(instance), TitleOf(instance.BuildPath()));
 }
 
 TMarkup TAnchors::LinkTo(const TCIMReference& path) const {

@@ -11,6 +11,7 @@
 class TCIMClass;
 class TCIMInstance;
 class TCIMProperty;
+class TCIMPropertyDecl;
 class TCIMQualifier;
 class TCIMReference;
 
@@ -27,6 +28,9 @@ std::string TextOf(const TCIMQualifier* qualifier);
 std::string TitleOf(const TCIMClass& cls);
 // "Cache memory L1d-0": the class, and the keys that tell its instances apart.
 std::string TitleOf(const TCIMReference& path);
+
+// "Line size", for LineSize without a DISPLAYNAME.
+std::string LabelOf(const TCIMPropertyDecl& decl);
 
 // "captured.xml.gz, collected 2026-11-21 12:19:01"
 std::string NameOf(const TInventory& inventory);
@@ -50,8 +54,12 @@ class TAnchors {
   std::unordered_map<const TCIMInstance*, std::string> fAnchors;
 };
 
-// The anchor of a section.
+// A section of the page, to be closed with "</section>".
+void OpenSection(const std::string& anchor, const std::string& title, std::ostream& out);
+
 std::string AnchorOf(const TSection& section);
+// How many instances its classes have.
+std::size_t CountOf(const TSection& section);
 
 // The property's value as it is shown, or why there is none.
 TMarkup ValueMarkup(const TCIMProperty& property, const TAnchors& anchors);
@@ -60,6 +68,11 @@ TMarkup ValueMarkup(const TCIMProperty& property, const TAnchors& anchors);
 // comes last, folded away.
 void WriteSection(const TSection& section, const TInventory& inventory, const TAnchors& anchors,
                   std::ostream& out);
+
+// Why sections are empty that are.
+void WriteEmptySections(const TInventory& inventory, std::ostream& out);
+inline constexpr char kEmptyAnchor[] = "empty";
+inline constexpr char kEmptyTitle[] = "Empty sections";
 
 // What differs between `before` and the inventory on the page.
 void WriteChanges(const TInventory& before, const TComparison& comparison, const TAnchors& anchors,

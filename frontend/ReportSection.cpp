@@ -21,17 +21,29 @@ bool IsNumber(const TCIMPropertyDecl& decl) {
 
 // What the property is called, and more about it for who asks.
 TMarkup Heading(const char* element, const TCIMPropertyDecl& decl) {
-  const std::string display = TextOf(decl.FindQualifier("DISPLAYNAME"));
   const std::string description = TextOf(decl.FindQualifier("DESCRIPTION"));
-  return Markup("<{} title=\"{}\">{}", TMarkup{element},
-                Printable(description.empty() ? decl.GetName()
-                                              : fmt::format("{}: {}", decl.GetName(), description)),
-                Printable(display.empty() ? Words(decl.GetName()) : display));
+  return Markup("<{} title=\"{}{}{}\">{}", TMarkup{element}, decl.GetName(),
+                description.empty() ? "" : ": ", Printable(description), LabelOf(decl));
 }
 
 std::string Capitalized(std::string text) {
   if (!text.empty() && 'a' <= text[0] && text[0] <= 'z') text[0] = static_cast<char>(text[0] - 32);
   return text;
+}
+
+// Why there is nothing of these classes.
+void WriteEmpty(const std::vector<TCIMClass*>& classes, const std::string& section,
+                const TInventory& inventory, std::ostream& out) {
+  std::map<bool, std::string> names;
+  for (const TCIMClass* cls : classes) {
+    std::string& list = names[inventory.WasCollected(*cls)];
+    list += (list.empty() ? "" : ", ") + TitleOf(*cls);
+  }
+  for (const auto& [wasCollected, list] : names) {
+    const std::string what = section + (wasCollected ? "none found" : "not collected");
+    out << Markup("<p class=\"empty\"><b>{}:</b> {}</p>\n", Printable(Capitalized(what)),
+                  Printable(list));
+  }
 }
 
 class TSectionWriter {
@@ -40,14 +52,11 @@ class TSectionWriter {
       : fInventory(inventory), fAnchors(anchors), fOut(out) {}
 
   void Write(const TSection& section) {
-    const std::string anchor = AnchorOf(section);
-    fOut << Markup(
-        "<section id=\"{0}\" aria-labelledby=\"{0}-title\">\n<h2 id=\"{0}-title\">{1}</h2>\n",
-        anchor, Printable(section.name));
+    OpenSection(AnchorOf(section), Printable(section.name), fOut);
     std::vector<const TCIMClass*> links;
-    std::vector<const TCIMClass*> empty;
+    std::vector<TCIMClass*> empty;
     bool hasOthers = false;
-    for (const TCIMClass* cls : section.classes) {
+    for (TCIMClass* cls : section.classes) {
       if (cls->EnumerateInstances(false).empty()) {
         empty.push_back(cls);
       } else if (cls->IsAssociation()) {
@@ -58,7 +67,7 @@ class TSectionWriter {
       }
     }
     WriteLinks(links, hasOthers);
-    WriteEmpty(empty);
+    WriteEmpty(empty, "", fInventory, fOut);
     fOut << "</section>\n";
   }
 
@@ -66,7 +75,7 @@ class TSectionWriter {
   void WriteClass(const TCIMClass& cls) {
     const TInstances instances = cls.EnumerateInstances(false);
     const TColumns columns = ColumnsOf(cls);
-    fOut << Markup("<div class=\"class\" id=\"{}\">\n", cls.GetName());
+    fOut << Markup("<div class=\"class\" id=\"class-{}\">\n", cls.GetName());
     if (instances.size() == 1) {
       WriteFacts(*instances.front(), columns);
     } else {
@@ -76,7 +85,7 @@ class TSectionWriter {
   }
 
   static TMarkup ClassHeading(const TCIMClass& cls) {
-    return Markup("<h3>{} <code>{}</code></h3>", Printable(TitleOf(cls)), cls.GetName());
+    return Markup("<h3>{} <code>{}</code></h3>", TitleOf(cls), cls.GetName());
   }
 
   void WriteLinks(const std::vector<const TCIMClass*>& links, bool isFolded) {
@@ -90,37 +99,30 @@ class TSectionWriter {
     if (isFolded) fOut << "</details>\n";
   }
 
-  // Why there is nothing of these classes.
-  void WriteEmpty(const std::vector<const TCIMClass*>& classes) {
-    std::map<bool, std::string> names;
-    for (const TCIMClass* cls : classes) {
-      std::string& list = names[fInventory.WasCollected(*cls)];
-      list += (list.empty() ? "" : ", ") + TitleOf(*cls);
-    }
-    for (const auto& [wasCollected, list] : names) {
-      fOut << Markup("<p class=\"empty\"><b>{}:</b> {}</p>\n",
-                     wasCollected ? "None found" : "Not collected", Printable(list));
-    }
-  }
-
   void WriteFacts(const TCIMInstance& instance, const TColumns& columns) {
     fOut << ClassHeading(*instance.GetClass())
          << Markup("\n<div class=\"facts\" id=\"{}\">\n<dl>\n", fAnchors.Of(instance));
     for (const TCIMPropertyDecl* decl : columns.shown) {
-      fOut << "<div>" << Heading("dt", *decl) << "</dt>" << Cell("dd", instance, *decl)
-           << "</div>\n";
+      WriteFact(Heading("dt", *decl), instance, *decl);
     }
     fOut << "</dl>\n";
     WriteRest(instance, columns);
     fOut << "</div>\n";
   }
 
+  void WriteFact(const TMarkup& heading, const TCIMInstance& instance,
+                 const TCIMPropertyDecl& decl) {
+    constexpr std::size_t kLong = 150;  // needs a line of its own
+    const TMarkup value = Cell("dd", instance, decl);
+    fOut << (value.html.size() > kLong ? "<div class=\"long\">" : "<div>") << heading << "</dt>"
+         << value << "</div>\n";
+  }
+
   void WriteTable(const TCIMClass& cls, const TInstances& instances, const TColumns& columns) {
-    const std::string title = Printable(TitleOf(cls));
     fOut << Markup(
         "<div class=\"scroll\" role=\"group\" aria-label=\"{}\" tabindex=\"0\">\n<table>\n"
         "<caption>{} <span class=\"count\">{}</span></caption>\n<thead><tr>",
-        title, ClassHeading(cls), instances.size());
+        TitleOf(cls), ClassHeading(cls), instances.size());
     for (const TCIMPropertyDecl* decl : columns.shown) {
       fOut << Heading(IsNumber(*decl) ? "th scope=\"col\" class=\"number\"" : "th scope=\"col\"",
                       *decl)
@@ -152,13 +154,14 @@ class TSectionWriter {
                const TCIMPropertyDecl& decl) const {
     const TCIMProperty& property = *instance.GetProperty(decl.GetName());
     const TCIMValue value = property.GetValue();
+    const TMarkup shown = ValueMarkup(property, fAnchors);
     TMarkup attributes;
     if (value.IsNull()) {
       attributes = {" class=\"missing\""};
-    } else if (IsNumber(decl)) {
+    } else if (IsNumber(decl) && element != "dd") {
       attributes = Markup(" class=\"number\" data-value=\"{}\"", value.ToString(10));
     }
-    return Markup("<{}{}>{}</{}>", TMarkup{element}, attributes, ValueMarkup(property, fAnchors),
+    return Markup("<{}{}>{}</{}>", TMarkup{element}, attributes, shown,
                   TMarkup{element.substr(0, 2)});
   }
 
@@ -167,15 +170,14 @@ class TSectionWriter {
     if (columns.rest.empty()) return;
     std::map<std::string, std::string> missing;
     fOut << Markup("<details><summary>More<span class=\"unseen\"> of {}</span></summary><dl>\n",
-                   Printable(TitleOf(instance.BuildPath())));
+                   TitleOf(instance.BuildPath()));
     for (const TCIMPropertyDecl* decl : columns.rest) {
       const TCIMProperty& property = *instance.GetProperty(decl->GetName());
       if (property.GetValue().IsNull()) {
         std::string& names = missing[MissingText(property)];
-        names += (names.empty() ? "" : ", ") + Words(decl->GetName());
+        names += (names.empty() ? "" : ", ") + LabelOf(*decl);
       } else {
-        fOut << Markup("<div><dt>{}</dt>", Words(decl->GetName())) << Cell("dd", instance, *decl)
-             << "</div>\n";
+        WriteFact(Markup("<dt>{}", LabelOf(*decl)), instance, *decl);
       }
     }
     for (const auto& [reason, names] : missing) {
@@ -193,6 +195,20 @@ class TSectionWriter {
 }  // namespace
 
 std::string AnchorOf(const TSection& section) { return "section-" + AnchorText(section.name); }
+
+std::size_t CountOf(const TSection& section) {
+  std::size_t count = 0;
+  for (const TCIMClass* cls : section.classes) count += cls->EnumerateInstances(false).size();
+  return count;
+}
+
+void WriteEmptySections(const TInventory& inventory, std::ostream& out) {
+  OpenSection(kEmptyAnchor, kEmptyTitle, out);
+  for (const TSection& section : inventory.GetSections()) {
+    if (CountOf(section) == 0) WriteEmpty(section.classes, section.name + ", ", inventory, out);
+  }
+  out << "</section>\n";
+}
 
 void WriteSection(const TSection& section, const TInventory& inventory, const TAnchors& anchors,
                   std::ostream& out) {

@@ -37,7 +37,7 @@
       if (shown) element.classList.toggle('deep', isLeft && !matches(shown));
       if (!isLeft) continue;
       ++left;
-      for (let up = element.parentElement; !full.has(up); up = up.parentElement) full.add(up);
+      for (let up = element.parentElement; up && !full.has(up); up = up.parentElement) full.add(up);
     }
     for (const holder of document.querySelectorAll(kHolders)) {
       holder.hidden = !full.has(holder) && isSearch;
