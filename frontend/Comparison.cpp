@@ -9,6 +9,7 @@
 
 #include "frontend/ExitCode.h"
 #include "frontend/Inventory.h"
+#include "frontend/Redaction.h"
 #include "frontend/ValueMatch.h"
 #include "frontend/ValueText.h"
 #include "zelcore/zelcore.h"
@@ -313,6 +314,12 @@ std::size_t TComparison::CountChanged() const { return Sum(classes, &TClassDiffe
 TComparison Compare(const TInventory& before, const TInventory& after,
                     const TComparisonOptions& options) {
   return TComparer(before, after, options).Run();
+}
+
+TComparison RedactAndCompare(TInventory& before, TInventory& after, TComparisonOptions options) {
+  options.redactedAlike = !before.IsRedacted() && !after.IsRedacted();
+  Redact({&before, &after});
+  return Compare(before, after, options);
 }
 
 TChangeTexts TextsOf(const TChangedProperty& property) {

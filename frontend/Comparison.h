@@ -12,7 +12,7 @@ class TInventory;
 
 struct TComparisonOptions {
   bool withVolatile = false;       // also what changes from one moment to the next
-  bool redactedAlike = false;      // Redact() hid what is sensitive in both with one key
+  bool redactedAlike = false;      // what is hidden is hidden in both with one key
   std::vector<std::string> names;  // only these classes and sections; empty: all
 };
 
@@ -63,6 +63,11 @@ struct TComparison {
 // neither of the two knows.
 TComparison Compare(const TInventory& before, const TInventory& after,
                     const TComparisonOptions& options = {});
+
+// The same after hiding what is sensitive in both, as Redact() does; with one key, so that it is
+// compared all the same.
+TComparison RedactAndCompare(TInventory& before, TInventory& after,
+                             TComparisonOptions options = {});
 
 // Old and new value as they are shown, the raw values where that would not tell them apart.
 struct TChangeTexts {

@@ -5,18 +5,19 @@
 #include "frontend/DiffListing.h"
 #include "frontend/Inventory.h"
 #include "frontend/Options.h"
-#include "frontend/Redaction.h"
+#include "frontend/Report.h"
 #include "frontend/ValueMatch.h"
 #include "zelcore/zelcore.h"
 
 namespace zel {
 namespace {
 
-enum class TFormat { kText, kJson };
+enum class TFormat { kText, kJson, kHtml };
 
 const std::map<std::string, TFormat> kFormats = {
     {"text", TFormat::kText},
-    {"json", TFormat::kJson}
+    {"json", TFormat::kJson},
+    {"html", TFormat::kHtml}
 };
 
 // Collects of this machine what `before` holds, or of that what `names` stand for.
@@ -58,15 +59,14 @@ class TDiffCommand : public TCommand {
     TInventory before = TInventory::Read(fOld);
     TInventory after =
         fNew.empty() ? CollectLike(before, fComparison.names, fCollection) : TInventory::Read(fNew);
-    if (fRedact) {
-      fComparison.redactedAlike = !before.IsRedacted() && !after.IsRedacted();
-      Redact({&before, &after});
-    }
-    const TComparison comparison = Compare(before, after, fComparison);
-    if (fFormat == TFormat::kJson) {
-      PrintDiffJson(before, after, comparison, streams.out);
-    } else {
-      PrintDiffText(before, after, comparison, streams.terminal, streams.out);
+    const TComparison comparison = fRedact ? RedactAndCompare(before, after, fComparison)
+                                           : Compare(before, after, fComparison);
+    switch (fFormat) {
+      case TFormat::kText:
+        PrintDiffText(before, after, comparison, streams.terminal, streams.out);
+        break;
+      case TFormat::kJson: PrintDiffJson(before, after, comparison, streams.out); break;
+      case TFormat::kHtml: WriteReport(before, after, comparison, streams.out); break;
     }
     if (comparison.HasDifferences()) return kExitDifferent;
     return fNew.empty() && after.IsPartial() ? kExitPartial : kExitDone;

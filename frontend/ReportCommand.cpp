@@ -46,8 +46,8 @@ class TReportCommand : public TCommand {
       WriteReport(inventory, page);
     } else {
       TInventory before = TInventory::Read(fOld);
-      if (fRedact) Redact({&before, &inventory});
-      WriteReport(before, inventory, Compare(before, inventory), page);
+      WriteReport(before, inventory,
+                  fRedact ? RedactAndCompare(before, inventory) : Compare(before, inventory), page);
     }
     Save(inventory, page.str(), streams);
     return fFile.empty() && inventory.IsPartial() ? kExitPartial : kExitDone;

@@ -43,8 +43,8 @@ const std::string kNew =
     RunClasses() +
     RunOf(Set("StartTime", "datetime", "20261122105501.000000+060") + Set("SchemaVersion", "1.1")) +
     PluginStatus("disk", "T_Disk") + PluginStatus("fan", "T_Fan") + kClasses +
-    Instance("T_Disk", Set("Id", "sda") + Set("Size", "uint64", "2048") +
-                           Set("Reads", "uint64", "7")) +
+    Instance("T_Disk",
+             Set("Id", "sda") + Set("Size", "uint64", "2048") + Set("Reads", "uint64", "7")) +
     Instance("T_Disk", Set("Id", "sdc&#27;[2J")) +
     Instance("T_Fan", Set("Id", "front") + Set("Speed", "uint16", "1200")) +
     Instance("T_Fan", Set("Id", "rear"));
@@ -146,7 +146,10 @@ TEST(Diff, UsesColourOnATerminalOnly) {
   const char* argv[] = {"zel", "diff", files.Old().c_str(), files.New().c_str()};
   std::ostringstream out;
   std::ostringstream err;
-  EXPECT_EQ(1, zel::Main(4, argv, {out, err, {true, 80}}));
+  EXPECT_EQ(1, zel::Main(4, argv,
+                         {
+                             out, err, {true, 80}
+  }));
   for (const char* line :
        {"    \033[32m+ T_Fan.Id=\"rear\"\033[0m\n", "    \033[31m- T_Disk.Id=\"sdb\"\033[0m\n",
         "    \033[33m~ T_Disk.Id=\"sda\"\033[0m\n",
@@ -203,7 +206,8 @@ TEST(Diff, PrintsOneJsonDocument) {
 
 TEST(Diff, PrintsNothingWhenOneOfTheTwoCannotBeRead) {
   const TTwoFiles files;
-  const std::string torn = files.WriteFile("torn.xml", "<CIM CIMVERSION=\"2.0\"\n DTDVERSION=\"9\"/>");
+  const std::string torn =
+      files.WriteFile("torn.xml", "<CIM CIMVERSION=\"2.0\"\n DTDVERSION=\"9\"/>");
   const std::string missing = files.PathOf("missing.xml");
   const auto expectRefused = [](const std::string& old, const std::string& later,
                                 const std::string& message) {
@@ -220,21 +224,19 @@ TEST(Diff, PrintsNothingWhenOneOfTheTwoCannotBeRead) {
 
 TEST(Diff, RefusesWrongArgumentsInOneLine) {
   const TTwoFiles files;
-  const std::vector<std::vector<std::string>> rows = {
-      {},
-      {files.Old(), files.New(), files.New()},
-      {files.Old(), files.New(), "--format", "yaml"},
-      {"-", "-"},
-      {files.Old(), files.New(), "--class", "nothing"},
-  };
-  for (std::vector<std::string> arguments : rows) {
+  const auto expectRefused = [](std::vector<std::string> arguments) {
     arguments.insert(arguments.begin(), "diff");
     const TResult result = Zel(arguments);
     SCOPED_TRACE(testing::PrintToString(arguments));
     EXPECT_EQ(2, result.code);
     EXPECT_EQ("", result.out);
     EXPECT_THAT(result.err, MatchesRegex("zel: [^\n]+\n"));
-  }
+  };
+  expectRefused({});
+  expectRefused({files.Old(), files.New(), files.New()});
+  expectRefused({files.Old(), files.New(), "--format", "yaml"});
+  expectRefused({"-", "-"});
+  expectRefused({files.Old(), files.New(), "--class", "nothing"});
 }
 
 // The inventory of a machine or of test plug-ins.
@@ -268,8 +270,9 @@ TEST(Diff, ComparesWithThisMachine) {
   const TResult same = DiffLive(old, kCollectors);
   EXPECT_EQ(0, same.code);
   EXPECT_EQ("", same.err);
-  EXPECT_THAT(same.out, MatchesRegex("Changes from [^\n]*server.xml \\([-: 0-9]+\\) to this machine "
-                                     "\\([-: 0-9]+\\)\nno differences\n"));
+  EXPECT_THAT(same.out,
+              MatchesRegex("Changes from [^\n]*server.xml \\([-: 0-9]+\\) to this machine "
+                           "\\([-: 0-9]+\\)\nno differences\n"));
 
   // The same machine after an update of the kernel and with a mitigation less.
   const std::string updated = work.PathOf("updated");
@@ -310,7 +313,8 @@ TEST(Diff, AsksThisMachineOnlyForWhatTheOldCollectionHas) {
   const TPluginDir few({"noisy"});
   const TPluginDir more({"noisy", "hangs"});
   const TempDir work;
-  const std::string old = Save(zel::TInventory::Collect(Options(few.GetPath())), work.PathOf("o.xml"));
+  const std::string old =
+      Save(zel::TInventory::Collect(Options(few.GetPath())), work.PathOf("o.xml"));
   const std::string log = work.PathOf("log");
   const TResult result = DiffLive(old, more.GetPath(), {"--log", log, "--log-level", "debug"});
   EXPECT_EQ(0, result.code);
@@ -324,7 +328,8 @@ std::string SaveBoth(const std::string& path) {
   const TPluginDir plugins({"aborts", "noisy"});
   const zel::TInventory inventory = zel::TInventory::Collect(Options(plugins.GetPath()));
   TContainer& container = inventory.GetContainer();
-  for (TCIMInstance* status : container.GetClass("KVRSG_CollectionStatus")->EnumerateInstances(false)) {
+  for (TCIMInstance* status :
+       container.GetClass("KVRSG_CollectionStatus")->EnumerateInstances(false)) {
     status->SetPropertyValue("Status", static_cast<unsigned short>(0));
   }
   return Save(inventory, path);
@@ -358,7 +363,8 @@ TEST(Diff, NamesWhatThisMachineDidNotTell) {
   text.replace(text.find(id), id.size(), "other");
   const TResult different = DiffLive(work.WriteFile("different.xml", text), plugins.GetPath());
   EXPECT_EQ(1, different.code);
-  EXPECT_THAT(different.out, testing::EndsWith("1 added, 1 removed, 0 changed; 1 class not compared\n"));
+  EXPECT_THAT(different.out,
+              testing::EndsWith("1 added, 1 removed, 0 changed; 1 class not compared\n"));
 }
 
 TEST(Diff, HidesWhatIsSensitiveOnRequest) {
