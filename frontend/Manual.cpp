@@ -31,14 +31,17 @@ const std::map<std::string, std::string> kDetails = {
      "one a line and without any decoration, for scripts. A value that is missing gives no "
      "line; when there is none at all, the exit code is 1."         },
     {"tree",
-     "Prints what is associated with the system, with that in turn, and so on: from the "
-     "machine down to its devices. What has been shown before is named again but not "
-     "followed."                                                    },
+     "Prints what the system consists of, what that consists of in turn, and so on, as the "
+     "associations tell it: from the machine down to its devices. What stands above with all "
+     "that is below it is named again, but not followed; (+N) tells that the depth hides N "
+     "instances."                                                   },
     {"diff",
      "Compares two saved collections, or a saved one with this machine, instance by "
      "instance and property by property. Values that change from one moment to the next "
      "are left out unless they are asked for. A class that was not collected on one side "
-     "is named as not compared: it never counts as removed."        },
+     "is named as not compared: it never counts as removed.\n\n"
+     "The exit code is 1 when something differs. When nothing does, it is 3 if a plug-in "
+     "failed on this machine, and 0 if none did."                   },
     {"report",
      "Writes one HTML page that needs nothing else: no network, no other file. It can be "
      "searched and sorted in a browser, and prints well."           },

@@ -204,6 +204,15 @@ TEST(Diff, PrintsOneJsonDocument) {
   EXPECT_EQ(json::array(), json::parse(equal.out).at("classes"));
 }
 
+TEST(Diff, PrintsAPageOfHtml) {
+  const TTwoFiles files;
+  const TResult result = Zel({"diff", files.Old(), files.New(), "--format", "html"});
+  EXPECT_EQ(1, result.code);
+  EXPECT_THAT(result.out, StartsWith("<!DOCTYPE html>\n"));
+  EXPECT_THAT(result.out, HasSubstr(">T_Fan.Id=\"rear\"<"));
+  EXPECT_THAT(result.out, testing::EndsWith("</html>\n"));
+}
+
 TEST(Diff, PrintsNothingWhenOneOfTheTwoCannotBeRead) {
   const TTwoFiles files;
   const std::string torn =
@@ -378,7 +387,7 @@ TEST(Diff, HidesWhatIsSensitiveOnRequest) {
   const TempDir files;
   const std::string old = files.WriteFile("a.xml", Document(machine("server1", "serial-1")));
   const std::string later = files.WriteFile("b.xml", Document(machine("server1", "serial-2")));
-  for (const char* format : {"text", "json"}) {
+  for (const char* format : {"text", "json", "html"}) {
     const TResult result = Zel({"diff", "--redact", "--format", format, old, later});
     EXPECT_EQ(1, result.code);
     for (const char* secret : {"server1", "serial-1", "serial-2"}) {
