@@ -1,9 +1,5 @@
 #include "xml/TXmlParser.h"
 
-#ifdef __SSE2__
-#include <emmintrin.h>
-#endif
-
 #include <algorithm>
 #include <array>
 #include <cstdint>
@@ -13,10 +9,10 @@
 
 #include "zelcore/detail/Ascii.h"
 
-// One member per rule. A byte is looked up in a table of classes; the hot loops walk the buffer by
-// pointer and text is searched by the block, while the rules around them read byte by byte with
-// GetChar() and UngetChar(), because the exact counts decide where an error is seen. Open elements
-// stand on a stack of our own, so that the depth of a document costs memory and no stack.
+// One member per rule. A byte is looked up once in a table of classes; the hot loops walk the buffer
+// by pointer, while the rules around them read byte by byte with GetChar() and UngetChar(), because
+// the exact counts decide where an error is seen. Open elements stand on a stack of our own, so that
+// the depth of a document costs memory and no stack.
 
 using zelcore::detail::IsAsciiDigit;
 using zelcore::detail::IsAsciiLetter;
@@ -30,6 +26,8 @@ enum EByteClass : unsigned char {
   kStartsName = 1,
   kInName = 2,
   kIsSpace = 4,
+  kInText = 8,    // all but '<', '&' and the end of the buffer
+  kInValue = 16,  // the same but both quotes
 };
 
 constexpr std::array<unsigned char, 256> MakeByteClasses() {
@@ -40,6 +38,8 @@ constexpr std::array<unsigned char, 256> MakeByteClasses() {
     if (IsAsciiLetter(c) || c == '_' || c == ':') bits |= kStartsName | kInName;
     if (IsAsciiDigit(c) || c == '.' || c == '-') bits |= kInName;
     if (c == ' ' || c == '\t' || c == '\r' || c == '\n') bits |= kIsSpace;
+    if (c != '<' && c != '&' && c != '\0') bits |= kInText;
+    if ((bits & kInText) && c != '"' && c != '\'') bits |= kInValue;
     classes[static_cast<std::size_t>(i)] = bits;
   }
   return classes;
@@ -51,72 +51,21 @@ bool Is(char c, EByteClass byteClass) {
   return kByteClasses[static_cast<unsigned char>(c)] & byteClass;
 }
 
-// The first byte from `at` on that is not of the class.
-inline char* FindNot(char* at, EByteClass byteClass) {
-  while (Is(*at, byteClass)) ++at;
-  return at;
-}
-
-#if defined(__SSE2__) && !defined(__SANITIZE_ADDRESS__)
-// By blocks of 16 bytes, read whole where that stays in the page: what follows the buffer can be
-// read then, and is not looked at.
-constexpr std::size_t kBlock = 16;
-
-inline bool HasBlock(const char* at) {
-  constexpr std::uintptr_t kPage = 4096;
-  return reinterpret_cast<std::uintptr_t>(at) % kPage <= kPage - kBlock;
-}
-
-inline __m128i IsBetween(__m128i bytes, char first, char last) {
-  const __m128i distance = _mm_sub_epi8(bytes, _mm_set1_epi8(first));
-  const __m128i most = _mm_set1_epi8(static_cast<char>(last - first));
-  return _mm_cmpeq_epi8(_mm_min_epu8(distance, most), distance);
-}
-
-inline unsigned int Places(__m128i found) {
-  return static_cast<unsigned int>(_mm_movemask_epi8(found));
-}
-
-// Bit by bit, the first lowest: where '<', '&', NUL or `other` stands.
-inline unsigned int FindMarkupIn(__m128i bytes, char other) {
-  const auto is = [bytes](char c) { return _mm_cmpeq_epi8(bytes, _mm_set1_epi8(c)); };
-  return Places(_mm_or_si128(_mm_or_si128(is('<'), is('&')), _mm_or_si128(is('\0'), is(other))));
-}
-
-// Where the bytes stand that are in no name.
-inline unsigned int FindNoNameIn(__m128i bytes) {
-  const __m128i lower = _mm_or_si128(bytes, _mm_set1_epi8(0x20));
-  const __m128i letters =
-      _mm_or_si128(IsBetween(lower, 'a', 'z'), _mm_cmpeq_epi8(bytes, _mm_set1_epi8('_')));
-  const __m128i others = _mm_or_si128(IsBetween(bytes, '0', ':'), IsBetween(bytes, '-', '.'));
-  return ~Places(_mm_or_si128(letters, others)) & 0xFFFF;
-}
-
-template <class TFind>
-char* FindByBlocks(char* at, TFind&& find) {
-  while (HasBlock(at)) {
-    const unsigned int places = find(_mm_loadu_si128(reinterpret_cast<const __m128i*>(at)));
-    if (places != 0) return at + __builtin_ctz(places);
-    at += kBlock;
-  }
-  return at;
-}
-#else
-#endif
-
-// The first byte from `at` on that is '<', '&', NUL or `other`.
-inline char* FindMarkup(char* at, char other) {
-  for (;;) {
-    at = FindByBlocks(at, [other](__m128i bytes) { return FindMarkupIn(bytes, other); });
-    if (HasBlock(at)) return at;
-    for (int i = 0; i < 16; ++i, ++at)
-      if (*at == '<' || *at == '&' || *at == other || *at == '\0') return at;
+// The first byte from `at` on that is not of the class. Most runs are short: searching by the block
+// takes longer.
+template <EByteClass kClass>
+[[gnu::always_inline]] inline char* FindNot(char* at) {
+  for (;; at += 4) {
+    if (!Is(at[0], kClass)) return at;
+    if (!Is(at[1], kClass)) return at + 1;
+    if (!Is(at[2], kClass)) return at + 2;
+    if (!Is(at[3], kClass)) return at + 3;
   }
 }
-inline char* FindNameEnd(char* at) {
-  if (!HasBlock(at)) return FindNot(at, kInName);
-  const unsigned int places = FindNoNameIn(_mm_loadu_si128(reinterpret_cast<const __m128i*>(at)));
-  return places ? at + __builtin_ctz(places) : FindNot(at + 16, kInName);
+
+char* SkipSpace(char* at) {
+  while (Is(*at, kIsSpace)) ++at;
+  return at;
 }
 
 // 0 when `begin` is behind `end`.
@@ -318,13 +267,13 @@ inline bool TXmlParser::Take(char wanted) {
 // name := [A-Za-z_:] [A-Za-z0-9._:-]*
 inline bool TXmlParser::ReadName() {
   if (!Is(GetChar(), kStartsName)) return Refuse("Invalid element/attribute name");
-  fPosition = FindNameEnd(fPosition);
+  fPosition = FindNot<kInName>(fPosition);
   return true;
 }
 
 inline bool TXmlParser::ReadWhitespace() {
   char* const start = fPosition;
-  fPosition = FindNot(start, kIsSpace);
+  fPosition = SkipSpace(start);
   return fPosition != start;
 }
 
@@ -443,30 +392,27 @@ inline bool TXmlParser::ParseStartTag(TOpenElements& open, TAttributeList& attri
 // attribute := name '=' ('"' value '"' | "'" value "'")
 inline bool TXmlParser::ParseAttribute(TAttributeList& attributes) {
   char* const name = fPosition;
-  if (!ReadName()) return false;
-  char* const nameEnd = fPosition;
-  ReadWhitespace();
-  if (!Take('=')) return Refuse("Unexpected character between attribute name and value");
-  ReadWhitespace();
-  const char quote = GetChar();
+  if (!Is(*name, kStartsName)) return ReadName();  // refuses
+  char* const nameEnd = FindNot<kInName>(name + 1);
+  char* at = SkipSpace(nameEnd);
+  if (*at != '=') return RefuseAt(at, "Unexpected character between attribute name and value");
+  at = SkipSpace(at + 1);
+  const char quote = *at;
   if (quote != '"' && quote != '\'') {
-    return Refuse("Unexpected character after equals of attribute name");
+    return RefuseAt(at, "Unexpected character after equals of attribute name");
   }
-
-  char* const value = fPosition;
-  char* const valueEnd = FindMarkup(value, quote);
-  fPosition = valueEnd;
-  if (!Take(quote)) return Refuse("Unexpected character in attribute value");
+  char* const value = at + 1;
+  char* valueEnd = FindNot<kInValue>(value);
+  while (*valueEnd != quote && (*valueEnd == '"' || *valueEnd == '\'')) {
+    valueEnd = FindNot<kInValue>(valueEnd + 1);
+  }
+  if (*valueEnd != quote) return RefuseAt(valueEnd, "Unexpected character in attribute value");
 
   for (char* c = name; c != nameEnd; ++c) *c = ToAsciiLower(*c);
-  if (attributes.Add({name, static_cast<std::size_t>(nameEnd - name)},
-                     {value, static_cast<std::size_t>(valueEnd - value)})) {
-    return true;
-  }
-  // The line is counted while both texts stand terminated in the buffer.
-  TNulGuard nameGuard(*this, nameEnd);
-  TNulGuard valueGuard(*this, valueEnd);
-  return Refuse("Attribute appears twice");
+  fPosition = valueEnd + 1;
+  return attributes.Add({name, static_cast<std::size_t>(nameEnd - name)},
+                        {value, static_cast<std::size_t>(valueEnd - value)}) ||
+         RefuseTwice(nameEnd, valueEnd);
 }
 
 // content := (charData | element | processingInstruction | comment)*
@@ -491,11 +437,12 @@ inline bool TXmlParser::ParseContent(TOpenElements& open) {
 // endTag := '</' name '>'      The '</' has been read.
 inline bool TXmlParser::ParseEndTag(TOpenElements& open) {
   const std::string_view name = open.GetName();
-  if (std::strncmp(name.data(), fPosition, name.size()) != 0) {
-    return ReadName() && Refuse("Start and end element names don't match");
+  char* ended = fPosition;
+  for (const char c : name) {
+    if (*ended++ != c) return ReadName() && Refuse("Start and end element names don't match");
   }
   // sic: only as much as the start tag says is compared, so </abcd> ends <abc>.
-  fPosition = FindNot(fPosition + name.size(), kInName);
+  fPosition = FindNot<kInName>(ended);
   ReadWhitespace();
   if (!Take('>')) return Refuse("Unexpected character before end of element");
   EndElement(name.data());
@@ -508,7 +455,7 @@ bool TXmlParser::ParseCharData() {
   bool hasReported = false;
   for (;;) {
     char* const text = fPosition;
-    fPosition = FindMarkup(text, '\0');
+    fPosition = FindNot<kInText>(text);
     if (fPosition != text) {
       TextRun({text, static_cast<std::size_t>(fPosition - text)});
       hasReported = true;
@@ -564,6 +511,18 @@ bool TXmlParser::ParseNumericReference() {
   return false;
 }
 
+// Where a byte has been read that is not the one expected.
+bool TXmlParser::RefuseAt(char* at, const char* message) {
+  fPosition = at;
+  GetChar();
+  return Refuse(message);
+}
+// The line is counted while both texts stand terminated in the buffer.
+bool TXmlParser::RefuseTwice(char* nameEnd, char* valueEnd) {
+  TNulGuard nameGuard(*this, nameEnd);
+  TNulGuard valueGuard(*this, valueEnd);
+  return Refuse("Attribute appears twice");
+}
 bool TXmlParser::Refuse(const char* message) {
   FatalError(message);
   return false;

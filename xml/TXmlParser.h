@@ -109,6 +109,8 @@ class ZEL_API TXmlParser {
   bool ParseNumericReference();
 
   bool Refuse(const char* message);
+  bool RefuseAt(char* at, const char* message);
+  bool RefuseTwice(char* nameEnd, char* valueEnd);
   bool Expect(std::string_view text);
   bool SkipPast(std::string_view terminator);
   void Unget(int count);
