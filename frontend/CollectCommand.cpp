@@ -1,6 +1,7 @@
 #include <fmt/format.h>
 
 #include "frontend/Commands.h"
+#include "frontend/Export.h"
 #include "frontend/Inventory.h"
 #include "frontend/Listing.h"
 #include "frontend/Options.h"
@@ -20,15 +21,6 @@ const std::map<std::string, TFormat> kFormats = {
     {"text", TFormat::kText},
     {"json", TFormat::kJson}
 };
-
-void ReportFailures(const TInventory& inventory, std::ostream& err) {
-  for (const TCIMInstance* status : inventory.GetStatuses()) {
-    const std::string reason = TextOf(*status, "Message");
-    if (reason.empty()) continue;
-    err << fmt::format("zel: plug-in {} failed: {}; 'zel plugins' tells its state\n",
-                       Printable(TextOf(*status, "PluginName")), Printable(reason));
-  }
-}
 
 class TCollectCommand : public TCommand {
  public:
@@ -57,22 +49,24 @@ class TCollectCommand : public TCommand {
     if (*fSave) {
       Save(inventory, streams);
     } else {
-      Print(inventory, streams.out);
+      Print(inventory, streams);
     }
     ReportFailures(inventory, streams.err);
     return inventory.IsPartial() ? kExitPartial : kExitDone;
   }
 
  private:
-  void Print(const TInventory& inventory, std::ostream& out) const {
+  void Print(const TInventory& inventory, TStreams& streams) const {
     const std::vector<TCIMClass*> classes =
         fNames.empty() ? inventory.AllClasses() : inventory.Resolve(fNames);
     if (fFormat == TFormat::kJson) {
-      PrintJson(inventory, classes, out);
+      PrintJson(inventory, SelectAll(inventory, classes), false, streams.out);
     } else if (fNames.empty()) {
-      PrintSummary(inventory, out);
+      PrintSummary(inventory, streams.out, streams.terminal);
     } else {
-      PrintList(classes, out);
+      for (const TSelection& selection : SelectAll(inventory, classes)) {
+        PrintList(selection, {streams.terminal}, streams.out);
+      }
     }
   }
 

@@ -24,6 +24,8 @@ class TCommand {
 // Each in the source that is named like it; what they do and how they are used stands in the table
 // in Main.cpp.
 std::unique_ptr<TCommand> MakeCollectCommand(CLI::App& options);
+std::unique_ptr<TCommand> MakeShowCommand(CLI::App& options);
+std::unique_ptr<TCommand> MakeGetCommand(CLI::App& options);
 std::unique_ptr<TCommand> MakeTreeCommand(CLI::App& options);
 std::unique_ptr<TCommand> MakeDiffCommand(CLI::App& options);
 std::unique_ptr<TCommand> MakeReportCommand(CLI::App& options);

@@ -11,6 +11,7 @@
 #include "frontend/Descriptor.h"
 #include "frontend/ExitCode.h"
 #include "frontend/Log.h"
+#include "frontend/NearMatch.h"
 #include "frontend/RunRecord.h"
 #include "frontend/ValueText.h"
 #include "zelcore/zelcore.h"
@@ -33,10 +34,8 @@ std::ptrdiff_t PlaceOf(const std::string& section) {
 }
 
 std::string SectionOf(const TCIMClass& cls) {
-  const TCIMQualifier* section = cls.FindQualifier("SECTION");
-  if (!section || section->GetType() != TCIMValue::TCIMType::TypeString) return kNoSection;
-  const TCIMValue value = section->GetValue();
-  return value.IsNull() || value.IsArray() ? kNoSection : value.ToString(10);
+  const std::string section = TextOf(cls.FindQualifier("SECTION"));
+  return section.empty() ? kNoSection : section;
 }
 
 std::vector<TSection> SectionsOf(const TContainer& container) {
@@ -96,6 +95,23 @@ void ReadInto(TContainer& container, const std::string& path, const std::string&
   }
 }
 
+std::string TitleOf(const std::string& path) { return path == "-" ? "standard input" : path; }
+
+void ReadFile(TContainer& container, const std::string& path) {
+  if (path == "-") {
+    const TDescriptor input = KeepInput();
+    return ReadInto(container, fmt::format("/proc/self/fd/{}", input.Get()), TitleOf(path));
+  }
+  struct stat status = {};
+  if (stat(path.c_str(), &status) != 0) {
+    throw TCommandError(kExitBadInput,
+                        Printable(fmt::format("cannot read '{}': {}; 'zel collect -o FILE' saves a "
+                                              "collection",
+                                              path, strerror(errno))));
+  }
+  ReadInto(container, path, path);
+}
+
 }  // namespace
 
 TInventory::TInventory(std::unique_ptr<TContainer> read, std::unique_ptr<TCollection> collection,
@@ -132,25 +148,17 @@ TInventory TInventory::Declare(const TCollectionOptions& options) {
 TInventory TInventory::Read(const std::string& path, const std::vector<std::string>& bases) {
   StartLog("", zelLogStatus);
   auto container = std::make_unique<TContainer>();
-  const bool isInput = path == "-";
-  const std::string title = isInput ? "standard input" : path;
-  struct stat status = {};
-  if (!isInput && stat(path.c_str(), &status) != 0) {
-    throw TCommandError(kExitBadInput,
-                        Printable(fmt::format("cannot read '{}': {}; 'zel collect -o FILE' saves a "
-                                              "collection",
-                                              title, strerror(errno))));
-  }
-  for (const std::string& base : bases) ReadInto(*container, base, base);
-  if (isInput) {
-    const TDescriptor input = KeepInput();
-    ReadInto(*container, fmt::format("/proc/self/fd/{}", input.Get()), title);
-  } else {
-    ReadInto(*container, path, title);
-  }
-  TInventory inventory(std::move(container), nullptr, title);
+  for (const std::string& base : bases) ReadFile(*container, base);
+  ReadFile(*container, path);
+  TInventory inventory(std::move(container), nullptr, TitleOf(path));
   inventory.FindRun();
   return inventory;
+}
+
+TInventory TInventory::Open(const std::string& file, const TCollectionOptions& options,
+                            const std::vector<std::string>& names) {
+  if (file.empty()) return Collect(options, names);
+  return options.baseSchema.empty() ? Read(file) : Read(file, {options.baseSchema});
 }
 
 void TInventory::FindRun() {
@@ -193,12 +201,21 @@ std::vector<TCIMClass*> TInventory::Resolve(const std::vector<std::string>& name
       AddConcrete(cls, classes);
       for (TCIMClass* sub : cls->EnumerateSubClasses(true)) AddConcrete(sub, classes);
     } else {
-      throw TCommandError(
-          kExitUsage,
-          Printable(fmt::format("no class or section '{}'; 'zel schema' lists them", name)));
+      throw TCommandError(kExitUsage, UnknownName(name));
     }
   }
   return classes;
+}
+
+std::string TInventory::UnknownName(const std::string& name) const {
+  std::vector<std::string> names;
+  for (const TSection& section : fSections) {
+    names.push_back(section.name);
+    for (const TCIMClass* cls : section.classes) names.push_back(cls->GetName());
+  }
+  const std::string meant = DidYouMean(name, names);
+  return Printable(fmt::format("no class or section '{}'{} 'zel schema' lists them", name,
+                               meant.empty() ? ";" : meant));
 }
 
 bool TInventory::IsPartial() const { return fRun && FlagOf(*fRun, "IsPartial"); }
@@ -242,6 +259,21 @@ std::string Folded(const std::string& name) {
     if (c != ' ') folded += 'A' <= c && c <= 'Z' ? static_cast<char>(c - 'A' + 'a') : c;
   }
   return folded;
+}
+
+void ReportFailures(const TInventory& inventory, std::ostream& err) {
+  for (const TCIMInstance* status : inventory.GetStatuses()) {
+    const std::string reason = TextOf(*status, "Message");
+    if (reason.empty()) continue;
+    const std::string name = TextOf(*status, "PluginName");
+    err << "zel: "
+        << Printable(
+               inventory.IsSaved()
+                   ? fmt::format("{}: plug-in {} failed: {}", inventory.GetTitle(), name, reason)
+                   : fmt::format("plug-in {} failed: {}; 'zel plugins' tells its state", name,
+                                 reason))
+        << "\n";
+  }
 }
 
 std::string TextOf(const TCIMInstance& instance, const char* property,

@@ -3,6 +3,7 @@
 #include <functional>
 #include <map>
 #include <memory>
+#include <ostream>
 #include <string>
 #include <vector>
 
@@ -45,7 +46,12 @@ class TInventory {
   // in the document.
   static TInventory Read(const std::string& path, const std::vector<std::string>& bases = {});
 
+  // Reads the file, after the base schema if one is named, or collects when `file` is empty.
+  static TInventory Open(const std::string& file, const TCollectionOptions& options,
+                         const std::vector<std::string>& names);
+
   TContainer& GetContainer() const { return *fContainer; }
+  bool IsSaved() const { return fRead != nullptr; }
   // Null for a file.
   const TCollection* GetCollection() const { return fCollection.get(); }
   // "this machine", or the file.
@@ -81,6 +87,7 @@ class TInventory {
   TInventory(std::unique_ptr<TContainer> read, std::unique_ptr<TCollection> collection,
              std::string title);
   void FindRun();
+  std::string UnknownName(const std::string& name) const;
 
   std::unique_ptr<TContainer> fRead;         // null for this machine
   std::unique_ptr<TCollection> fCollection;  // null for a file
@@ -92,6 +99,9 @@ class TInventory {
   std::map<std::string, const TCIMInstance*> fStatusOf;  // by lower-case class name
   bool fIsRedacted = false;
 };
+
+// A line for each plug-in that failed.
+void ReportFailures(const TInventory& inventory, std::ostream& err);
 
 // The property's value, `otherwise` when there is none or it is NULL.
 std::string TextOf(const TCIMInstance& instance, const char* property,

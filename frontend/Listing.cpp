@@ -3,84 +3,85 @@
 #include <fmt/format.h>
 
 #include <algorithm>
-#include <nlohmann/json.hpp>
 
-#include "frontend/Inventory.h"
+#include "frontend/Table.h"
 #include "frontend/ValueText.h"
 #include "zelcore/zelcore.h"
 
 namespace zel {
 namespace {
 
-using nlohmann::ordered_json;
-
-void PrintInstance(const TCIMInstance& instance, std::ostream& out) {
-  const std::vector<TCIMProperty const*> properties = instance.EnumerateProperties();
-  std::size_t width = 0;
-  for (const TCIMProperty* property : properties) {
-    width = std::max(width, property->GetName().size());
-  }
-  out << Printable(instance.BuildPath().GetPath()) << "\n";
-  for (const TCIMProperty* property : properties) {
-    out << fmt::format("  {:<{}}  {}\n", property->GetName(), width, PropertyText(*property));
-  }
-  out << "\n";
+TTable::TCell CellOf(const TCIMProperty& property, bool isRaw) {
+  const TCIMValue value = property.GetValue();
+  if (value.IsNull()) return {MissingText(property), TLook::kMissing};
+  return {isRaw ? ValueText(value) : PropertyText(property)};
 }
 
-ordered_json InstanceJson(const TCIMInstance& instance) {
-  ordered_json properties = ordered_json::object();
-  for (const TCIMProperty* property : instance.EnumerateProperties()) {
-    properties[property->GetName()] = ValueJson(property->GetValue());
-  }
-  return {
-      {"path",       instance.BuildPath().GetPath()},
-      {"properties", std::move(properties)         }
-  };
+// Numbers that stay numbers are aligned to the right.
+TTable::TColumn ColumnOf(const TCIMPropertyDecl& property, bool isRaw) {
+  using TType = TCIMValue::TCIMType;
+  const bool isNumber =
+      TType::TypeUint8 <= property.GetType() && property.GetType() <= TType::TypeReal64;
+  const std::string display = TextOf(property.FindQualifier("DISPLAYNAME"));
+  return {Printable(display.empty() ? property.GetName() : display),
+          isNumber && (isRaw || !property.FindQualifier("VALUES"))};
 }
 
-ordered_json PluginJson(const TCIMInstance& status) {
-  ordered_json plugin = {
-      {"name", TextOf(status, "PluginName")},
-      {"path", TextOf(status, "Path")      }
-  };
-  const std::string version = TextOf(status, "PluginVersion");
-  const std::string error = TextOf(status, "Message");
-  if (!version.empty()) plugin["version"] = version;
-  if (!error.empty()) plugin["error"] = error;
-  return plugin;
+bool PrintNothing(const TSelection& selection, std::ostream& out) {
+  if (!selection.instances.empty()) return false;
+  out << fmt::format("{}: {}\n\n", selection.cls->GetName(),
+                     selection.wasCollected ? "no instances" : "not collected");
+  return true;
 }
 
 }  // namespace
 
-void PrintList(const std::vector<TCIMClass*>& classes, std::ostream& out) {
-  for (const TCIMClass* cls : classes) {
-    const std::vector<TCIMInstance*> instances = cls->EnumerateInstances(false);
-    if (instances.empty()) out << cls->GetName() << ": no instances\n\n";
-    for (const TCIMInstance* instance : instances) PrintInstance(*instance, out);
+void PrintList(const TSelection& selection, const TPresentation& presentation, std::ostream& out) {
+  if (PrintNothing(selection, out)) return;
+  const TTerminal& terminal = presentation.terminal;
+  std::size_t width = 0;
+  for (const TCIMPropertyDecl* property : selection.properties) {
+    width = std::max(width, property->GetName().size());
+  }
+  for (const TCIMInstance* instance : selection.instances) {
+    const std::string path = Printable(instance->BuildPath().GetPath());
+    out << Styled(TLook::kHeading, path, terminal) << "\n";
+    for (const TCIMPropertyDecl* property : selection.properties) {
+      const std::string key = fmt::format("{:<{}}", property->GetName(), width);
+      const TTable::TCell cell =
+          CellOf(*instance->GetProperty(property->GetName()), presentation.isRaw);
+      out << "  " << Styled(TLook::kKey, key, terminal) << "  "
+          << Styled(cell.look, cell.text, terminal) << "\n";
+    }
+    out << "\n";
   }
 }
 
-void PrintJson(const TInventory& inventory, const std::vector<TCIMClass*>& classes,
-               std::ostream& out) {
-  ordered_json document = {
-      {"format",  "zel-collection"},
-      {"version", 1               },
-      {"zel",     ZEL_VERSION     }
-  };
-  document["partial"] = inventory.IsPartial();
-  document["plugins"] = ordered_json::array();
-  for (const TCIMInstance* status : inventory.GetStatuses()) {
-    document["plugins"].push_back(PluginJson(*status));
+void PrintTable(const TSelection& selection, const TPresentation& presentation, std::ostream& out) {
+  if (PrintNothing(selection, out)) return;
+  std::vector<TTable::TColumn> columns;
+  for (const TCIMPropertyDecl* property : selection.properties) {
+    columns.push_back(ColumnOf(*property, presentation.isRaw));
   }
-  document["classes"] = ordered_json::object();
-  for (const TCIMClass* cls : classes) {
-    ordered_json instances = ordered_json::array();
-    for (const TCIMInstance* instance : cls->EnumerateInstances(false)) {
-      instances.push_back(InstanceJson(*instance));
+  TTable table(std::move(columns));
+  for (const TCIMInstance* instance : selection.instances) {
+    std::vector<TTable::TCell> cells;
+    for (const TCIMPropertyDecl* property : selection.properties) {
+      cells.push_back(CellOf(*instance->GetProperty(property->GetName()), presentation.isRaw));
     }
-    document["classes"][cls->GetName()] = std::move(instances);
+    table.AddRow(std::move(cells));
   }
-  out << document.dump(2, ' ', false, ordered_json::error_handler_t::replace) << "\n";
+  const std::size_t count = selection.instances.size();
+  const std::string heading =
+      fmt::format("{}: {} instance{}", selection.cls->GetName(), count, count == 1 ? "" : "s");
+  out << Styled(TLook::kHeading, heading, presentation.terminal) << "\n";
+  const std::size_t hidden = table.Print(out, presentation.terminal);
+  if (hidden > 0) {
+    const std::string note =
+        fmt::format("({} more column{}; --format list shows all)", hidden, hidden == 1 ? "" : "s");
+    out << "  " << Styled(TLook::kMissing, note, presentation.terminal) << "\n";
+  }
+  out << "\n";
 }
 
 }  // namespace zel

@@ -1,19 +1,23 @@
 #pragma once
 
 #include <ostream>
-#include <vector>
 
-class TCIMClass;
+#include "frontend/Selection.h"
+#include "frontend/Streams.h"
+
+// What was selected, for people.
 
 namespace zel {
 
-class TInventory;
+struct TPresentation {
+  TTerminal terminal = {};
+  bool isRaw = false;  // without units and value maps
+};
 
-// All instances of `classes` with all their properties, for people.
-void PrintList(const std::vector<TCIMClass*>& classes, std::ostream& out);
+// Each instance with its path, a line for each property.
+void PrintList(const TSelection& selection, const TPresentation& presentation, std::ostream& out);
 
-// The same as one JSON document.
-void PrintJson(const TInventory& inventory, const std::vector<TCIMClass*>& classes,
-               std::ostream& out);
+// A line for each instance.
+void PrintTable(const TSelection& selection, const TPresentation& presentation, std::ostream& out);
 
 }  // namespace zel

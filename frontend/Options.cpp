@@ -38,4 +38,34 @@ void AddRedactOption(CLI::App& command, bool& redact) {
   command.add_flag("--redact", redact, "Hide names, serial numbers and what else is sensitive");
 }
 
+void AddFileAndNames(CLI::App& command, std::vector<std::string>& arguments,
+                     const std::string& name, const std::string& text) {
+  command
+      .add_option_function<std::string>(
+          "FILE",
+          [&arguments](const std::string& first) { arguments.insert(arguments.begin(), first); },
+          "A saved collection, - for standard input; without it, this machine")
+      ->type_name("");
+  command
+      .add_option_function<std::vector<std::string>>(
+          name,
+          [&arguments](const std::vector<std::string>& rest) {
+            arguments.insert(arguments.end(), rest.begin(), rest.end());
+          },
+          text)
+      ->type_name("");
+}
+
+void AddConditions(CLI::App& command, std::vector<TCondition>& conditions) {
+  command
+      .add_option_function<std::vector<std::string>>(
+          "--where",
+          [&conditions](const std::vector<std::string>& texts) {
+            for (const std::string& text : texts) conditions.push_back(ParseCondition(text));
+          },
+          "Only instances of which this holds, raw or as shown; all of several")
+      ->type_name("PROPERTY=VALUE")
+      ->allow_extra_args(false);
+}
+
 }  // namespace zel

@@ -3,8 +3,10 @@
 #include <CLI/CLI.hpp>
 #include <map>
 #include <string>
+#include <vector>
 
 #include "frontend/Collection.h"
+#include "frontend/Selection.h"
 
 // Options that several commands have.
 
@@ -15,6 +17,13 @@ void AddCollectionOptions(CLI::App& command, TCollectionOptions& options);
 
 // --redact
 void AddRedactOption(CLI::App& command, bool& redact);
+
+// [FILE] [NAME...]: all of them go to `arguments`, from which TakeFile() takes the first.
+void AddFileAndNames(CLI::App& command, std::vector<std::string>& arguments,
+                     const std::string& name, const std::string& text);
+
+// --where
+void AddConditions(CLI::App& command, std::vector<TCondition>& conditions);
 
 // The row of `table` that `word` names, in any case; `words` are all of them. Throws
 // CLI::ValidationError for an option called `name`.

@@ -45,12 +45,6 @@ std::string ShortPath(const TCIMReference& path) {
 
 }  // namespace
 
-std::string TextOf(const TCIMQualifier* qualifier) {
-  if (!qualifier || qualifier->GetType() != TCIMValue::TCIMType::TypeString) return "";
-  const TCIMValue value = qualifier->GetValue();
-  return value.IsNull() || value.IsArray() ? "" : value.ToString(10);
-}
-
 std::string TitleOf(const TCIMClass& cls) {
   const std::string display = TextOf(cls.FindQualifier("DISPLAYNAME"));
   if (!display.empty()) return Printable(display);

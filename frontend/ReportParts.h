@@ -12,7 +12,6 @@ class TCIMClass;
 class TCIMInstance;
 class TCIMProperty;
 class TCIMPropertyDecl;
-class TCIMQualifier;
 class TCIMReference;
 
 namespace zel {
@@ -20,9 +19,6 @@ namespace zel {
 class TInventory;
 struct TComparison;
 struct TSection;
-
-// The text of a qualifier that is one; empty when there is none.
-std::string TextOf(const TCIMQualifier* qualifier);
 
 // "Cache memory", for KVRSG_CacheMemory without a DISPLAYNAME.
 std::string TitleOf(const TCIMClass& cls);

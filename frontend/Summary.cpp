@@ -10,11 +10,14 @@
 #include <vector>
 
 #include "frontend/Inventory.h"
+#include "frontend/Table.h"
 #include "frontend/ValueText.h"
 #include "zelcore/zelcore.h"
 
 namespace zel {
 namespace {
+
+constexpr char kComputer[] = "KVRSG_ComputerSystem";
 
 using TInstances = std::vector<TCIMInstance*>;
 
@@ -84,15 +87,17 @@ class TSummary {
   }
 
   void System() {
-    constexpr const char* kSystem = "KVRSG_ComputerSystem";
-    const std::string maker = FactOf(kSystem, "Manufacturer");
-    const std::string product = FactOf(kSystem, "ProductName");
+    const std::string maker = FactOf(kComputer, "Manufacturer");
+    const std::string product = FactOf(kComputer, "ProductName");
     Heading("System");
-    Row("Name", FactOf(kSystem, "Name"));
+    Row("Name", FactOf(kComputer, "Name"));
     Row("Product", maker == kNotAvailable ? product : fmt::format("{} {}", maker, product));
-    Row("Serial number", FactOf(kSystem, "SerialNumber"));
+    Row("Serial number", FactOf(kComputer, "SerialNumber"));
     Row("Machine type and model", FactOf("KVRSG_SystemBIOSElement", "MachineTypeModel"));
-    Row("Kind", Kind(FactOf(kSystem, "VirtualizationType"), FactOf(kSystem, "ContainerType")));
+    const TInstances computers = InstancesOf(fContainer, kComputer);
+    const std::string container =
+        computers.empty() ? "" : TextOf(*computers.front(), "ContainerType");
+    Row("Kind", Kind(FactOf(kComputer, "VirtualizationType"), Printable(container)));
   }
 
   // "physical", "virtual (KVM)", "virtual (KVM), in a container (docker)"
@@ -103,8 +108,7 @@ class TSummary {
     } else if (virtualization != kNotAvailable && virtualization.find("Virtual (") != 0) {
       kind = fmt::format("virtual ({})", virtualization);
     }
-    return container == kNotAvailable ? kind
-                                      : fmt::format("{}, in a container ({})", kind, container);
+    return container.empty() ? kind : fmt::format("{}, in a container ({})", kind, container);
   }
 
   void OperatingSystem() {
@@ -184,17 +188,54 @@ class TSummary {
   std::vector<TFactGroup> fGroups;
 };
 
+// Which file, from when, and whether it is whole.
+void PrintOrigin(const TInventory& inventory, std::ostream& out) {
+  out << "Read from " << Printable(inventory.GetTitle());
+  if (const TCIMInstance* run = inventory.GetRun()) {
+    out << fmt::format(", collected {} by {}", Fact(*run, "StartTime", Moment),
+                       Fact(*run, "User", PropertyText));
+  }
+  if (inventory.IsPartial()) out << ", in part";
+  if (inventory.IsRedacted()) out << ", redacted";
+  out << "\n";
+}
+
+// The classes that have instances.
+void PrintContents(const TInventory& inventory, std::ostream& out, const TTerminal& terminal) {
+  TTable table({
+      {"Class",     false},
+      {"Instances", true }
+  });
+  unsigned long classes = 0;
+  for (const TCIMClass* cls : inventory.AllClasses()) {
+    const std::size_t count = cls->EnumerateInstances(false).size();
+    if (count == 0) continue;
+    ++classes;
+    table.AddRow({{cls->GetName()}, {std::to_string(count)}});
+  }
+  const std::string heading =
+      fmt::format("{}: {} with instances", Printable(inventory.GetTitle()),
+                  classes == 1 ? "1 class" : fmt::format("{} classes", classes));
+  out << Styled(TLook::kHeading, heading, terminal) << "\n";
+  table.Print(out, terminal);
+}
+
 }  // namespace
 
 std::vector<TFactGroup> FactsOf(const TInventory& inventory) {
   return TSummary(inventory).TakeGroups();
 }
 
-void PrintSummary(const TInventory& inventory, std::ostream& out) {
+void PrintSummary(const TInventory& inventory, std::ostream& out, const TTerminal& terminal) {
+  if (!inventory.GetRun() && InstancesOf(inventory.GetContainer(), kComputer).empty()) {
+    return PrintContents(inventory, out, terminal);
+  }
   for (const TFactGroup& group : FactsOf(inventory)) {
-    out << group.heading << "\n";
+    out << Styled(TLook::kHeading, group.heading, terminal) << "\n";
     for (const TFact& fact : group.facts) {
-      out << fmt::format("  {:<22}  {}\n", fact.label, fact.text);
+      const bool isMissing = fact.text == kNotAvailable || fact.text == kNeedsRoot;
+      out << "  " << Styled(TLook::kKey, fmt::format("{:<22}", fact.label), terminal) << "  "
+          << Styled(isMissing ? TLook::kMissing : TLook::kPlain, fact.text, terminal) << "\n";
     }
   }
   for (const TCIMInstance* product : InstancesOf(inventory.GetContainer(), "KVRSG_VNTProduct")) {
@@ -203,6 +244,7 @@ void PrintSummary(const TInventory& inventory, std::ostream& out) {
   }
   const std::string outcome = OutcomeText(inventory);
   if (!outcome.empty()) out << "\n" << outcome << "\n";
+  if (inventory.IsSaved()) PrintOrigin(inventory, out);
 }
 
 std::string OutcomeText(const TInventory& inventory) {

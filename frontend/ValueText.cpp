@@ -7,6 +7,10 @@
 #include <cstdlib>
 #include <nlohmann/json.hpp>
 
+#include "frontend/Inventory.h"
+#include "frontend/RunRecord.h"
+#include "frontend/Units.h"
+#include "frontend/Utf8.h"
 #include "zelcore/zelcore.h"
 
 namespace zel {
@@ -30,13 +34,84 @@ nlohmann::ordered_json RealJson(double value, std::string text) {
   return text;
 }
 
+// Control characters beyond ASCII, separators of lines, and what turns the direction of writing.
+bool Steers(char32_t code) {
+  return (0x80 <= code && code <= 0x9F) || (0x2028 <= code && code <= 0x202E) ||
+         (0x2066 <= code && code <= 0x2069);
+}
+
+std::string RawScalar(const TCIMValue& value) {
+  if (value.IsNull()) return "";
+  if (value.GetType() != TType::TypeDateTime) return value.ToString(10);
+  const TCIMDateTime datetime = value;
+  return datetime.IsNull() ? "" : Iso8601(datetime);
+}
+
 // Durations end with a blank.
 std::string Trimmed(std::string text) {
   while (!text.empty() && text.back() == ' ') text.pop_back();
   return text;
 }
 
+// Whether the values that the property belongs to were collected as root; this process's rights
+// when nothing tells.
+bool WasRoot(const TCIMPropertyDecl& declaration) {
+  const TCIMClass* run = declaration.GetClass()->GetContainer()->FindClass(kRunClass);
+  const auto runs = run ? run->EnumerateInstances(false) : std::vector<TCIMInstance*>();
+  return runs.empty() ? TOSSpecific::IsAdmin() : FlagOf(*runs.front(), "IsRoot");
+}
+
+// A property's value, the current or the previous one, as the library shows it.
+struct TShow {
+  std::string (TCIMProperty::*whole)() const;
+  std::vector<std::string> (TCIMProperty::*elements)() const;
+};
+constexpr TShow kCurrent = {&TCIMProperty::ToString, &TCIMProperty::ToStringVector};
+constexpr TShow kPrevious = {&TCIMProperty::PrevToString, &TCIMProperty::PrevToStringVector};
+
+// One text, or one for each element; none when the qualifiers do not suit the value.
+std::vector<std::string> LibraryTexts(const TCIMProperty& property, const TShow& show) {
+  try {
+    if (property.IsArray()) return (property.*show.elements)();
+    return {(property.*show.whole)()};
+  } catch (const TZELException&) {
+    return {};
+  }
+}
+
+std::vector<std::string> ShownTexts(const TCIMProperty& property, const TCIMValue& value,
+                                    const TShow& show) {
+  if (value.IsNull()) return {};
+  const unsigned type = value.GetType() & ~unsigned{TType::TypeArray};
+  std::vector<std::string> bare = ValueTexts(value);
+  // The library's datetimes lack the time zone.
+  if (type == TType::TypeDateTime) return bare;
+  std::vector<std::string> texts = LibraryTexts(property, show);
+  if (texts.size() != bare.size()) return bare;
+  const bool isNumeric = TType::TypeUint8 <= type && type <= TType::TypeReal64;
+  for (std::size_t i = 0; i < texts.size(); ++i) {
+    texts[i] = Trimmed(Printable(texts[i]));
+    if (!isNumeric) continue;
+    const bool isBare = texts[i] == bare[i] || texts[i].empty();  // empty: a duration of nothing
+    const std::string unit =
+        isBare ? TextOf(property.GetDeclaration()->FindQualifier("UNITS")) : "";
+    if (!unit.empty()) texts[i] = bare[i] + " " + Printable(UnitSymbol(unit));
+  }
+  return texts;
+}
+
+std::string ShownText(const TCIMProperty& property, const TCIMValue& value, const TShow& show) {
+  if (value.IsNull()) return MissingText(property);
+  return fmt::format("{}", fmt::join(ShownTexts(property, value, show), ", "));
+}
+
 }  // namespace
+
+std::string TextOf(const TCIMQualifier* qualifier) {
+  if (!qualifier || qualifier->GetType() != TType::TypeString) return "";
+  const TCIMValue value = qualifier->GetValue();
+  return value.IsNull() || value.IsArray() ? "" : value.ToString(10);
+}
 
 bool IsTrue(const TCIMQualifier* qualifier) {
   if (!qualifier || qualifier->GetType() != TType::TypeBoolean) return false;
@@ -46,13 +121,16 @@ bool IsTrue(const TCIMQualifier* qualifier) {
 
 std::string Printable(const std::string& text) {
   std::string shown;
-  for (const char c : text) {
-    const auto byte = static_cast<unsigned char>(c);
-    if (byte < 0x20 || byte == 0x7F) {
-      shown += fmt::format("\\x{:02X}", byte);
+  for (std::string_view rest = text; !rest.empty();) {
+    const auto [code, size] = FirstCharacter(rest);
+    if (code < 0x20 || code == 0x7F || code == kNoCharacter) {
+      shown += fmt::format("\\x{:02X}", static_cast<unsigned char>(rest[0]));
+    } else if (Steers(code)) {
+      shown += fmt::format("\\u{:04X}", static_cast<unsigned>(code));
     } else {
-      shown += c;
+      shown += rest.substr(0, size);
     }
+    rest.remove_prefix(size);
   }
   return shown;
 }
@@ -77,21 +155,23 @@ std::string MomentText(const TCIMValue& value) {
                      moment.GetDay(), moment.GetHour(), moment.GetMinute(), moment.GetSecond());
 }
 
+std::vector<std::string> RawTexts(const TCIMValue& value) {
+  if (value.IsNull()) return {};
+  if (!value.IsArray()) return {RawScalar(value)};
+  const std::vector<TCIMValue>& elements = value;
+  std::vector<std::string> texts;
+  for (const TCIMValue& element : elements) texts.push_back(RawScalar(element));
+  return texts;
+}
+
+std::vector<std::string> ValueTexts(const TCIMValue& value) {
+  std::vector<std::string> texts = RawTexts(value);
+  for (std::string& text : texts) text = Printable(text);
+  return texts;
+}
+
 std::string ValueText(const TCIMValue& value) {
-  if (value.IsArray()) {
-    std::string text;
-    const std::vector<TCIMValue>& elements = value;
-    for (const TCIMValue& element : elements) {
-      if (!text.empty()) text += ", ";
-      if (!element.IsNull()) text += ValueText(element);
-    }
-    return text;
-  }
-  if (value.GetType() == TType::TypeDateTime) {
-    const TCIMDateTime datetime = value;
-    return datetime.IsNull() ? "" : Iso8601(datetime);
-  }
-  return Printable(value.ToString(10));
+  return fmt::format("{}", fmt::join(ValueTexts(value), ", "));
 }
 
 std::string BytesText(unsigned long bytes) {
@@ -108,34 +188,22 @@ std::string BytesText(unsigned long bytes) {
 }
 
 std::string MissingText(const TCIMProperty& property) {
-  const bool needsRoot = IsTrue(property.GetDeclaration()->FindQualifier("NEEDSROOT"));
-  return needsRoot && !TOSSpecific::IsAdmin() ? kNeedsRoot : kNotAvailable;
+  const TCIMPropertyDecl& declaration = *property.GetDeclaration();
+  if (IsTrue(declaration.FindQualifier("NEEDSROOT")) && !WasRoot(declaration)) return kNeedsRoot;
+  const std::string text = TextOf(declaration.FindQualifier("NULLDISPLAY"));
+  return text.empty() ? kNotAvailable : Printable(text);
 }
 
-namespace {
-
-// `value` as the property shows it by `toText`.
-std::string ShownText(const TCIMProperty& property, const TCIMValue& value,
-                      std::string (TCIMProperty::*toText)() const) {
-  if (value.IsNull()) return MissingText(property);
-  // What has neither unit nor value map is shown our own way: datetimes in ISO 8601.
-  const bool isPlain = value.GetType() == TType::TypeDateTime || value.IsArray();
-  if (isPlain) return ValueText(value);
-  try {
-    return Trimmed(Printable((property.*toText)()));
-  } catch (const TZELException&) {
-    return ValueText(value);  // qualifiers that do not fit the type
-  }
+std::vector<std::string> PropertyTexts(const TCIMProperty& property) {
+  return ShownTexts(property, property.GetValue(), kCurrent);
 }
-
-}  // namespace
 
 std::string PropertyText(const TCIMProperty& property) {
-  return ShownText(property, property.GetValue(), &TCIMProperty::ToString);
+  return ShownText(property, property.GetValue(), kCurrent);
 }
 
 std::string PrevPropertyText(const TCIMProperty& property) {
-  return ShownText(property, property.GetPrevValue(), &TCIMProperty::PrevToString);
+  return ShownText(property, property.GetPrevValue(), kPrevious);
 }
 
 nlohmann::ordered_json ValueJson(const TCIMValue& value) {

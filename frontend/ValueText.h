@@ -2,6 +2,7 @@
 
 #include <nlohmann/json_fwd.hpp>
 #include <string>
+#include <vector>
 
 class TCIMDateTime;
 class TCIMProperty;
@@ -10,9 +11,16 @@ class TCIMValue;
 
 namespace zel {
 
-// A value as people read it: arrays joined by ", ", datetimes in ISO 8601, control characters shown
-// escaped. `value` must not be NULL.
+// A value without units and value map, byte by byte: one text for a scalar, one for each element of
+// an array, none for NULL. Datetimes in ISO 8601, a NULL element empty.
+std::vector<std::string> RawTexts(const TCIMValue& value);
+// The same, printable.
+std::vector<std::string> ValueTexts(const TCIMValue& value);
+// These, joined by ", ".
 std::string ValueText(const TCIMValue& value);
+
+// The value of a qualifier that is there and a string, else empty.
+std::string TextOf(const TCIMQualifier* qualifier);
 
 // Whether the qualifier is there, boolean and true.
 bool IsTrue(const TCIMQualifier* qualifier);
@@ -23,12 +31,14 @@ std::string BytesText(unsigned long bytes);
 inline constexpr char kNeedsRoot[] = "needs root";
 inline constexpr char kNotAvailable[] = "not available";
 
-// Why a property is NULL: kNeedsRoot when its declaration says so and this process is not root,
-// else kNotAvailable.
+// Why a property is NULL: kNeedsRoot when its declaration says so and it was not collected as root,
+// else the text that the declaration has for it, or kNotAvailable.
 std::string MissingText(const TCIMProperty& property);
 
-// The value as its declaration says it is to be shown, with units and value map, or why it is
-// missing.
+// The value as its declaration says it is to be shown, with units and value map: one text for a
+// scalar, one for each element of an array, none for NULL.
+std::vector<std::string> PropertyTexts(const TCIMProperty& property);
+// These, joined by ", ", or why there is none.
 std::string PropertyText(const TCIMProperty& property);
 // The same of its previous value.
 std::string PrevPropertyText(const TCIMProperty& property);
@@ -43,7 +53,8 @@ std::string Iso8601(const TCIMDateTime& datetime);
 // "2026-11-21 10:55:00" as the clock showed it; empty when `value` is no point in time.
 std::string MomentText(const TCIMValue& value);
 
-// `text` on one line that cannot steer a terminal: control characters as \xNN.
+// `text` on one line of UTF-8 that cannot steer a terminal: control characters and bytes that are
+// not UTF-8 as \xNN, those beyond ASCII and what turns the direction of writing as \uNNNN.
 std::string Printable(const std::string& text);
 
 }  // namespace zel

@@ -1,0 +1,95 @@
+#include <fmt/format.h>
+
+#include <algorithm>
+
+#include "frontend/Commands.h"
+#include "frontend/ExitCode.h"
+#include "frontend/Inventory.h"
+#include "frontend/Options.h"
+#include "frontend/ValueText.h"
+#include "zelcore/zelcore.h"
+
+namespace zel {
+namespace {
+
+class TGetCommand : public TCommand {
+ public:
+  explicit TGetCommand(CLI::App& options) {
+    AddFileAndNames(options, fArguments, "CLASS.PROPERTY",
+                    "The property; of the class and its subclasses");
+    options.add_flag("--text", fText, "With units and value maps");
+    AddConditions(options, fConditions);
+    AddCollectionOptions(options, fOptions);
+  }
+
+  TExitCode Run(TStreams& streams) override {
+    TakeArguments();
+    fOptions.progress = &streams;
+    const TInventory inventory = TInventory::Open(fFile, fOptions, {fClass});
+    const std::vector<TCIMClass*> classes = inventory.Resolve({fClass});
+    std::vector<TSelection> selections = SelectAll(inventory, classes);
+    KeepProperties(selections, {fProperty});
+    KeepInstances(selections, fConditions);
+    bool isFound = false;
+    for (const TSelection& selection : selections) isFound |= Print(selection, streams.out);
+    ReportFailures(inventory, streams.err);
+    const bool isPartial =
+        std::any_of(selections.begin(), selections.end(),
+                    [](const TSelection& selection) { return !selection.wasCollected; });
+    if (inventory.IsPartial() && isPartial) return kExitPartial;
+    return isFound ? kExitDone : kExitDifferent;
+  }
+
+ private:
+  // [FILE] CLASS.PROPERTY
+  void TakeArguments() {
+    if (fArguments.size() > 1) {
+      fFile = fArguments.front();
+      fArguments.erase(fArguments.begin());
+    }
+    const std::string name = fArguments.size() == 1 ? fArguments.front() : "";
+    const std::size_t point = name.rfind('.');
+    if (point == std::string::npos || point == 0 || point + 1 == name.size()) {
+      throw TCommandError(
+          kExitUsage,
+          Printable(fmt::format(
+              "'{}' is no property; 'zel get [FILE] CLASS.PROPERTY' takes one, 'zel schema CLASS' "
+              "lists them",
+              fmt::join(fArguments, " "))));
+    }
+    fClass = name.substr(0, point);
+    fProperty = name.substr(point + 1);
+  }
+
+  // Whether there is a value.
+  bool Print(const TSelection& selection, std::ostream& out) const {
+    bool isFound = false;
+    for (const TCIMInstance* instance : selection.instances) {
+      for (const TCIMPropertyDecl* declaration : selection.properties) {
+        const TCIMProperty& property = *instance->GetProperty(declaration->GetName());
+        for (const std::string& text :
+             fText ? PropertyTexts(property) : ValueTexts(property.GetValue())) {
+          out << text << "\n";
+          isFound = true;
+        }
+      }
+    }
+    return isFound;
+  }
+
+  TCollectionOptions fOptions;
+  std::vector<std::string> fArguments;
+  std::string fFile;
+  std::string fClass;
+  std::string fProperty;
+  std::vector<TCondition> fConditions;
+  bool fText = false;
+};
+
+}  // namespace
+
+std::unique_ptr<TCommand> MakeGetCommand(CLI::App& options) {
+  return std::make_unique<TGetCommand>(options);
+}
+
+}  // namespace zel
