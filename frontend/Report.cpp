@@ -34,7 +34,8 @@ class TPage {
         fAnchors(inventory),
         fOut(out),
         fFacts(FactsOf(inventory)) {
-    fHost = fFacts.front().facts.front().text;
+    const std::string& name = fFacts.front().facts.front().text;
+    fName = name == kNotAvailable ? inventory.GetTitle() : name;
     for (const TSection& section : inventory.GetSections()) {
       if (CountOf(section) != 0) fSections.push_back(&section);
     }
@@ -75,7 +76,7 @@ class TPage {
             "<meta name=\"color-scheme\" content=\"light dark\">\n"
             "<meta name=\"referrer\" content=\"no-referrer\">\n"
             "<meta name=\"generator\" content=\"zel " ZEL_VERSION "\">\n"
-         << Markup("<link rel=\"icon\" href=\"{}\">\n<title>{}: inventory</title>\n", kIcon, fHost)
+         << Markup("<link rel=\"icon\" href=\"{}\">\n<title>{}: inventory</title>\n", kIcon, fName)
          << Markup("<style>{}</style>\n</head>\n", TMarkup{std::string(kReportStyle.text)});
   }
 
@@ -84,7 +85,7 @@ class TPage {
          << Markup(
                 "<header>\n<p class=\"kind\">Inventory</p>\n<h1>{}</h1>\n<p class=\"lead\">{}</p>\n"
                 "</header>\n",
-                fHost, NameOf(fInventory));
+                fName, NameOf(fInventory));
   }
 
   // The search, which needs the script to show, and the contents.
@@ -174,7 +175,7 @@ class TPage {
   TAnchors fAnchors;
   std::ostream& fOut;
   std::vector<TFactGroup> fFacts;
-  std::string fHost;
+  std::string fName;                       // of the machine, or else of the file
   std::vector<const TSection*> fSections;  // that have instances
   bool fHasEmpty;
 };

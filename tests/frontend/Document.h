@@ -116,10 +116,13 @@ inline std::string Document(const std::string& parts) {
                     "\"><SCOPE CLASS=\"true\" ASSOCIATION=\"true\" PROPERTY=\"true\" "
                     "REFERENCE=\"true\"/></QUALIFIER.DECLARATION>\n";
   };
-  for (const char* name : {"KEY", "ASSOCIATION", "VOLATILE", "SENSITIVE"}) {
+  for (const char* name : {"KEY", "ASSOCIATION", "VOLATILE", "SENSITIVE", "NEEDSROOT"}) {
     declare(name, "boolean", "false");
   }
-  for (const char* name : {"SECTION", "UNITS"}) declare(name, "string", "false");
+  for (const char* name : {"SECTION", "UNITS", "DISPLAYNAME", "DESCRIPTION"}) {
+    declare(name, "string", "false");
+  }
+  declare("COLUMN", "uint32", "false");
   declare("VALUES", "string", "true");
   return "<?xml version=\"1.0\" encoding=\"utf-8\"?>\n"
          "<CIM CIMVERSION=\"2.0\" DTDVERSION=\"2.0\">\n<DECLARATION><DECLGROUP>\n" +
