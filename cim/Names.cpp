@@ -1,6 +1,7 @@
 #include "cim/Names.h"
 
 #include <algorithm>
+#include <functional>
 
 #include "zelcore/detail/Fail.h"
 
@@ -27,6 +28,13 @@ bool TNameLess::operator()(std::string_view a, std::string_view b) const {
     if (x != y) return x < y;
   }
   return a.size() < b.size();
+}
+
+std::size_t TNameHash::operator()(std::string_view name) const {
+  char lower[64];
+  if (name.size() > sizeof lower) return std::hash<std::string>()(ToAsciiLower(std::string(name)));
+  std::transform(name.begin(), name.end(), lower, [](char c) { return ToAsciiLower(c); });
+  return std::hash<std::string_view>()({lower, name.size()});
 }
 
 }  // namespace zelcore::detail

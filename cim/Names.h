@@ -21,6 +21,16 @@ struct TNameLess {
   bool operator()(std::string_view a, std::string_view b) const;
 };
 
+// The hash that fits.
+struct TNameHash {
+  std::size_t operator()(std::string_view name) const;
+};
+struct TNameEqual {
+  bool operator()(std::string_view a, std::string_view b) const {
+    return EqualsIgnoringAsciiCase(a, b);
+  }
+};
+
 // The name order and equality of two named objects; both names are checked.
 template <class T>
 bool HaveEqualNames(const T& a, const T& b) {

@@ -192,6 +192,10 @@ TCIMPropertyDecl* TCIMClassImpl::GetPropertyDecl(const std::string& name) const 
 }
 
 TCIMPropertyDecl* TCIMClassImpl::FindPropertyDecl(const std::string& name) const {
+  if (fTable->layout && fTable->layout->IsCurrent() && fTable->layout->IsAsDeclared()) {
+    const std::size_t slot = fTable->layout->Find(name);
+    if (slot != TPropertyLayout::kNoSlot) return &fTable->layout->Decl(slot);
+  }
   CheckName(name);
   const auto found = fTable->decls.find(name);
   return found == fTable->decls.end() ? nullptr : found->second.get();
@@ -229,12 +233,14 @@ const boost::shared_ptr<const TPropertyLayout>& TCIMClassImpl::Layout() const {
 void TCIMClassImpl::AddInstance(TCIMInstance& instance) {
   TCIMInstanceImpl& body = *instance.GetBody();
   if (body.IsAdded()) return;
-  std::string path = body.BuildPathText();
-  body.SetAdded(fInstances.Add(std::move(path), boost::shared_ptr<TCIMInstance>(&instance)));
+  body.BuildPathText(fPathText);
+  body.SetAdded(fInstances.Add(fPathText, std::unique_ptr<TCIMInstance>(&instance)));
 }
 
 void TCIMClassImpl::RemoveInstance(TCIMInstance& instance) {
-  fInstances.Remove(instance.GetBody()->BuildPathText());
+  std::string path;
+  instance.GetBody()->BuildPathText(path);
+  fInstances.Remove(path);
 }
 
 TCIMInstance* TCIMClassImpl::GetInstance(const TCIMReference& path) const {

@@ -4,6 +4,7 @@
 #include <new>
 
 #include "cim/OrNotFound.h"
+#include "cim/PathText.h"
 #include "cim/TCIMClassImpl.h"
 #include "cim/TCIMPropertyImpl.h"
 #include "zelcore/TCIMClass.h"
@@ -12,6 +13,7 @@
 #include "zelcore/TOSSpecific.h"
 #include "zelcore/detail/Fail.h"
 
+using zelcore::detail::AppendPathText;
 using zelcore::detail::CheckName;
 using zelcore::detail::Fail;
 using zelcore::detail::OrNotFound;
@@ -65,7 +67,7 @@ TContainer* TCIMInstanceImpl::GetContainer() const { return fClass->GetContainer
 
 void TCIMInstanceImpl::Validate() const {
   if (GetContainer()->isDiffContainer()) return;
-  const boost::shared_ptr<const TPropertyLayout> current = fClass->GetBody()->Layout();
+  const boost::shared_ptr<const TPropertyLayout>& current = fClass->GetBody()->Layout();
   for (const std::size_t slot : current->KeySlots()) {
     const std::string& name = current->Decl(slot).GetName();
     const TCIMProperty* property = current == fLayout ? &fProperties[slot] : GetProperty(name);
@@ -115,30 +117,28 @@ TCIMReference TCIMInstanceImpl::BuildPath() const {
   return path;
 }
 
-std::string TCIMInstanceImpl::BuildPathText() const {
-  const boost::shared_ptr<const TPropertyLayout> current = fClass->GetBody()->Layout();
-  if (!HasPlainPath(*current)) return BuildPath().GetPath();
-  std::string text = fClass->GetName();
-  char separator = '.';
-  for (const std::size_t slot : current->PathSlots()) {
-    text += separator;
-    text += current->Decl(slot).GetName();
-    text += "=\"";
-    text += fProperties[slot].GetBody()->Value().ToString(10);
-    text += '"';
-    separator = ',';
+void TCIMInstanceImpl::BuildPathText(std::string& text) const {
+  const boost::shared_ptr<const TPropertyLayout>& current = fClass->GetBody()->Layout();
+  if (!HasPlainPath(*current)) {
+    text = BuildPath().GetPath();
+    return;
   }
-  text.shrink_to_fit();
-  return text;
+  text = fClass->GetName();
+  for (const TPropertyLayout::TPathPart& part : current->PathParts()) {
+    text += part.opening;
+    AppendPathText(text, fProperties[part.slot].GetBody()->Value());
+  }
+  if (!current->PathParts().empty()) text += '"';
 }
 
 // Whether the class is as it was and every key has a value of its type, so that nothing can be
 // wrong with the path.
 bool TCIMInstanceImpl::HasPlainPath(const TPropertyLayout& current) const {
-  const std::vector<std::size_t>& keys = current.KeySlots();
-  return &current == fLayout.get() && std::all_of(keys.begin(), keys.end(), [&](std::size_t slot) {
-    const TCIMValue& value = fProperties[slot].GetBody()->Value();
-    return !value.IsNull() && value.GetType() == current.Decl(slot).GetType();
+  if (&current != fLayout.get()) return false;
+  const std::vector<TPropertyLayout::TPathPart>& keys = current.PathParts();
+  return std::all_of(keys.begin(), keys.end(), [&](const TPropertyLayout::TPathPart& key) {
+    const TCIMValue& value = fProperties[key.slot].GetBody()->Value();
+    return !value.IsNull() && value.GetType() == key.type;
   });
 }
 

@@ -54,8 +54,8 @@ class ZEL_API TCIMInstanceImpl : public TCIMElementImpl {
   TReferenceWatch* Watch() const { return fProperties.Watch(); }
 
   TCIMReference BuildPath() const;
-  // BuildPath().GetPath(), without making the path in between.
-  std::string BuildPathText() const;
+  // Replaces `text` by BuildPath().GetPath(), without making the path in between.
+  void BuildPathText(std::string& text) const;
 
   // In AssociationTraversal.cpp.
   std::vector<TCIMInstance*> References(const std::string& assocClass,

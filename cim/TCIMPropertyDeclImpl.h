@@ -1,5 +1,6 @@
 #pragma once
 
+#include <cstdint>
 #include <memory>
 #include <string>
 
@@ -24,6 +25,8 @@ class ZEL_API TCIMPropertyDeclImpl {
 
   TQualifierSet& Qualifiers() { return fQualifiers; }
   bool IsKey() const { return fQualifiers.IsTrue("KEY"); }
+  // The same, but a KEY that is no boolean makes no key rather than a failure. Kept worked out.
+  bool MayBeBound() const;
 
   // What TCIMPropertyDisplay.cpp keeps of the qualifiers; null at first.
   std::shared_ptr<TDisplayRules>& DisplayRules() { return fDisplayRules; }
@@ -35,4 +38,6 @@ class ZEL_API TCIMPropertyDeclImpl {
   TCIMValue fValue;
   TQualifierSet fQualifiers;
   std::shared_ptr<TDisplayRules> fDisplayRules;
+  mutable std::uint64_t fKeyLookedAt = static_cast<std::uint64_t>(-1);  // by TSchemaChanges
+  mutable bool fMayBeBound = false;
 };

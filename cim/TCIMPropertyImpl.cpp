@@ -46,7 +46,7 @@ void TCIMPropertyImpl::Release(TCIMPropertyImpl* body) {
 
 void TCIMPropertyImpl::Take(TCIMPropertyImpl&& other) {
   fDeclaration = other.fDeclaration;
-  fValue.Swap(other.fValue);
+  fValue.Take(other.fValue);
   fPrevValue = std::move(other.fPrevValue);
   fHasValue = other.fHasValue;
   fPrevDiffers = other.fPrevDiffers;
@@ -75,8 +75,8 @@ bool TCIMPropertyImpl::SetFromText(std::string_view text) {
 
 void TCIMPropertyImpl::ReplaceValue(TCIMValue&& value) {
   if (value.IsReference()) ReportChange();
-  TCIMValue taken(std::move(value));
-  fValue.Swap(taken);
+  TCIMValue taken(std::move(value));  // may be part of the former value
+  fValue.Take(taken);
   fHasValue = true;
 }
 

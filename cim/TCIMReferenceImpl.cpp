@@ -4,6 +4,7 @@
 #include <utility>
 
 #include "cim/OrNotFound.h"
+#include "cim/PathText.h"
 #include "cim/TCIMPropertyDeclImpl.h"
 #include "cim/TypeText.h"
 #include "zelcore/ICIMElement.h"
@@ -13,21 +14,11 @@
 #include "zelcore/TContainer.h"
 #include "zelcore/detail/Fail.h"
 
+using zelcore::detail::AppendPathText;
 using zelcore::detail::Fail;
 using zelcore::detail::OrNotFound;
 using zelcore::detail::Text;
 using zelcore::detail::TypeText;
-
-namespace {
-
-// Unlike a class's own test: a KEY that is no boolean makes no key, rather than a failure.
-bool IsKey(const TCIMPropertyDecl& decl) {
-  const TCIMQualifier* qualifier = decl.FindQualifier("KEY");
-  return qualifier && qualifier->GetType() == TCIMValue::TCIMType::TypeBoolean &&
-         decl.GetBody()->IsKey();
-}
-
-}  // namespace
 
 TCIMReferenceImpl::TCIMReferenceImpl(TCIMReference* owner, const TContainer* container)
     : fOwner(owner), fContainer(container), fClass(nullptr), fElement(nullptr) {}
@@ -88,23 +79,28 @@ void TCIMReferenceImpl::CheckKeyValue(const std::string& name, const TCIMValue& 
     Fail(zelStatusTypeMismatch, Text("Declaration type: ", TypeText(decl.GetType()),
                                      " Value type: ", TypeText(value.GetType())));
   }
-  if (!IsKey(decl)) {
+  if (!decl.GetBody()->MayBeBound()) {
     Fail(zelStatusInvalidOpSequence, "AddKeyValue() called with a non-key property " + name);
   }
 }
 
 std::string TCIMReferenceImpl::GetPath() const {
-  std::string path = GetClass()->GetName();
+  std::string path;
+  AppendPath(path);
+  return path;
+}
+
+void TCIMReferenceImpl::AppendPath(std::string& text) const {
+  text += GetClass()->GetName();
   char separator = '.';
   for (const auto& [name, value] : fBindings) {
-    path += separator;
-    path += name;
-    path += "=\"";
-    path += value.ToString(10);
-    path += '"';
+    text += separator;
+    text += name;
+    text += "=\"";
+    AppendPathText(text, value);
+    text += '"';
     separator = ',';
   }
-  return path;
 }
 
 ICIMElement* TCIMReferenceImpl::GetCIMElement(const TCIMReference& path) const {

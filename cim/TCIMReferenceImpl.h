@@ -29,6 +29,7 @@ class ZEL_API TCIMReferenceImpl {
   const std::map<std::string, TCIMValue>& EnumerateKeyBindings() const { return fBindings; }
   bool HasKeyBindings() const { return !fBindings.empty(); }
   std::string GetPath() const;
+  void AppendPath(std::string& text) const;
   // `path` is the handle.
   ICIMElement* GetCIMElement(const TCIMReference& path) const;
   // The instance that GetCIMElement() would return, or null; nothing is remembered.

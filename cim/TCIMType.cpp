@@ -8,6 +8,7 @@
 
 using zelcore::detail::EqualsIgnoringAsciiCase;
 using zelcore::detail::Fail;
+using zelcore::detail::ToAsciiLower;
 using zelcore::detail::TypeText;
 
 namespace {
@@ -21,11 +22,36 @@ constexpr std::string_view kTypeTexts[] = {
 };
 static_assert(std::size(kTypeTexts) == TCIMType::TypeReference + 1);
 
-TCIMType::ECIMType FindType(const std::string& name) {
-  for (unsigned int code = TCIMType::TypeBoolean; code <= TCIMType::TypeDateTime; ++code) {
-    if (code != TCIMType::TypeChar && EqualsIgnoringAsciiCase(name, kTypeTexts[code])) {
-      return TCIMType::ECIMType(code);
+// No two names of types have the same.
+constexpr std::size_t PlaceOf(std::string_view name) {
+  const auto letter = [&](std::size_t i) {
+    return static_cast<std::size_t>(ToAsciiLower(name[i]));
+  };
+  return (5 * letter(0) + 6 * letter(name.size() - 1) + name.size()) % 16;
+}
+
+// The types that are found by name, each at the place of its name.
+struct TTypesByName {
+  constexpr TTypesByName() {
+    for (unsigned int code = TCIMType::TypeBoolean; code <= TCIMType::TypeDateTime; ++code) {
+      if (code != TCIMType::TypeChar) {
+        unsigned int& place = fCodes[PlaceOf(kTypeTexts[code])];
+        fIsPerfect = fIsPerfect && place == TCIMType::TypeNone;
+        place = code;
+      }
     }
+  }
+
+  unsigned int fCodes[16] = {};
+  bool fIsPerfect = true;
+};
+constexpr TTypesByName kTypesByName;
+static_assert(kTypesByName.fIsPerfect);
+
+TCIMType::ECIMType FindType(std::string_view name) {
+  if (!name.empty()) {
+    const unsigned int code = kTypesByName.fCodes[PlaceOf(name)];
+    if (EqualsIgnoringAsciiCase(name, kTypeTexts[code])) return TCIMType::ECIMType(code);
   }
   Fail(zelStatusTypeMismatch);
 }

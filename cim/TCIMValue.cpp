@@ -64,21 +64,23 @@ void TCIMValue::DestroyVariant() {
   VisitVariant(GetType(), Variant(), [](auto& variant) { std::destroy_at(&variant); });
 }
 
-void TCIMValue::TakeVariant(TCIMValue& other) noexcept {
+void TCIMValue::Take(TCIMValue& other) noexcept {
   Clear();
+  fMaxArraySize = std::exchange(other.fMaxArraySize, 0);
+  fReferencedClass = std::exchange(other.fReferencedClass, nullptr);
+  fHasVariant = other.fHasVariant;
   fType = other.fType;
-  if (other.IsNull()) return;
-  fHasVariant = true;
-  if (GetType() < TCIMType::TypeReference) {
+  if (fHasVariant && GetType() >= TCIMType::TypeReference) {
+    VisitVariant(GetType(), other.Variant(), [this](auto& variant) {
+      new (fVariant) std::remove_reference_t<decltype(variant)>(std::move(variant));
+    });
+    other.DestroyVariant();
+  } else if (fHasVariant) {
     // Numbers, texts and datetimes do not know where they stand.
     std::memcpy(fVariant, other.fVariant, sizeof fVariant);
-    other.fHasVariant = false;
-    return;
   }
-  VisitVariant(GetType(), other.Variant(), [this](auto& variant) {
-    new (fVariant) std::remove_reference_t<decltype(variant)>(std::move(variant));
-  });
-  other.Clear();
+  other.fHasVariant = false;
+  other.fType = TCIMType::TypeNone;
 }
 
 // The arguments must not be part of the present variant.
@@ -96,13 +98,7 @@ TCIMValue::TCIMValue()
 
 TCIMValue::TCIMValue(const TCIMValue& other) : TCIMValue() { Set(other); }
 
-TCIMValue::TCIMValue(TCIMValue&& other) noexcept
-    : fHasVariant(false),
-      fMaxArraySize(std::exchange(other.fMaxArraySize, 0)),
-      fReferencedClass(std::exchange(other.fReferencedClass, nullptr)) {
-  TakeVariant(other);
-  other.fType = TCIMType::TypeNone;
-}
+TCIMValue::TCIMValue(TCIMValue&& other) noexcept : TCIMValue() { Take(other); }
 
 // NOLINTNEXTLINE(bugprone-unhandled-self-assignment): Set() handles it
 TCIMValue& TCIMValue::operator=(const TCIMValue& other) {
@@ -237,10 +233,8 @@ void TCIMValue::Set(const TCIMValue& other) {
 
 void TCIMValue::Swap(TCIMValue& other) noexcept {
   TCIMValue taken(std::move(*this));
-  TakeVariant(other);
-  other.TakeVariant(taken);
-  fMaxArraySize = std::exchange(other.fMaxArraySize, taken.fMaxArraySize);
-  fReferencedClass = std::exchange(other.fReferencedClass, taken.fReferencedClass);
+  Take(other);
+  other.Take(taken);
 }
 
 void TCIMValue::SetNullValue(TCIMType::ECIMType type, unsigned int maxArraySize) {

@@ -1,5 +1,6 @@
 #include "cim/TContainerImpl.h"
 
+#include <algorithm>
 #include <cassert>
 #include <utility>
 
@@ -13,13 +14,14 @@ using zelcore::detail::Fail;
 using zelcore::detail::LogCore;
 using zelcore::detail::OrNotFound;
 using zelcore::detail::Text;
+using zelcore::detail::TNameLess;
 
 namespace {
 
 template <class TRegistry>
 auto FindIn(const TRegistry& registry, const std::string& name) {
-  CheckName(name);
   const auto found = registry.find(name);
+  if (found == registry.end()) CheckName(name);
   return found == registry.end() ? nullptr : found->second.get();
 }
 
@@ -98,6 +100,8 @@ std::vector<TCIMQualifierDecl*> TContainerImpl::EnumerateQualifiers() const {
   std::vector<TCIMQualifierDecl*> decls;
   decls.reserve(fQualifierDecls.size());
   for (const auto& [key, decl] : fQualifierDecls) decls.push_back(decl.get());
+  std::sort(decls.begin(), decls.end(),
+            [](const auto* a, const auto* b) { return TNameLess()(a->GetName(), b->GetName()); });
   return decls;
 }
 

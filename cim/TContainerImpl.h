@@ -1,9 +1,9 @@
 #pragma once
 
 #include <boost/shared_ptr.hpp>
-#include <map>
 #include <memory>
 #include <string>
+#include <unordered_map>
 #include <vector>
 
 #include "cim/Names.h"
@@ -47,7 +47,8 @@ class ZEL_API TContainerImpl {
  private:
   // Keyed by the lower-case name.
   template <class T>
-  using TRegistry = std::map<std::string, boost::shared_ptr<T>, zelcore::detail::TNameLess>;
+  using TRegistry = std::unordered_map<std::string, boost::shared_ptr<T>,
+                                       zelcore::detail::TNameHash, zelcore::detail::TNameEqual>;
 
   void CheckIsDiff() const;
 

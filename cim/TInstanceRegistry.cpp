@@ -1,46 +1,60 @@
 #include "cim/TInstanceRegistry.h"
 
 #include <algorithm>
+#include <cstring>
 #include <functional>
+#include <new>
 #include <utility>
 
-std::uint32_t TInstanceRegistry::Add(std::string path,
-                                     const boost::shared_ptr<TCIMInstance>& instance) {
+TInstanceRegistry::~TInstanceRegistry() {
+  for (const TEntry* entry : fEntries) delete entry->instance;
+}
+
+TInstanceRegistry::TEntry* TInstanceRegistry::MakeEntry(std::string_view path) {
+  void* const memory = fMemory.Allocate(sizeof(TEntry) + path.size());
+  auto* const entry = new (memory) TEntry{nullptr, nullptr, nullptr, path.size()};
+  if (!path.empty()) std::memcpy(entry + 1, path.data(), path.size());
+  entry->last = entry;
+  fEntries.push_back(entry);
+  return entry;
+}
+
+std::uint32_t TInstanceRegistry::Add(std::string_view path,
+                                     std::unique_ptr<TCIMInstance> instance) {
   if (4 * (fPaths + 1) > 3 * fPlaces.size()) {
     Rehash(std::max<std::size_t>(8, 2 * fPlaces.size()));
   }
   const std::uint32_t hash = Hash(path);
-  const auto entry = static_cast<std::uint32_t>(fEntries.size());
   TPlace& place = fPlaces[PlaceOf(path, hash)];
-  fEntries.push_back({std::move(path), instance, kNone, entry});
-  if (place.entry == kNone) {
+  TEntry* const entry = MakeEntry(path);
+  entry->instance = instance.release();
+  if (!place.entry) {
     place = {entry, hash};
     ++fPaths;
   } else {
-    TEntry& first = fEntries[place.entry];
-    fEntries[first.last].next = entry;
-    first.last = entry;
+    place.entry->last->next = entry;
+    place.entry->last = entry;
   }
   ++fSize;
   fOrder.clear();
   return hash;
 }
 
-TCIMInstance* TInstanceRegistry::Find(const std::string& path) const {
+TCIMInstance* TInstanceRegistry::Find(std::string_view path) const {
   if (fPlaces.empty()) return nullptr;
-  const std::uint32_t entry = fPlaces[PlaceOf(path, Hash(path))].entry;
-  return entry == kNone ? nullptr : fEntries[entry].instance.get();
+  const TEntry* const entry = fPlaces[PlaceOf(path, Hash(path))].entry;
+  return entry ? entry->instance : nullptr;
 }
 
-void TInstanceRegistry::Remove(const std::string& path) {
+void TInstanceRegistry::Remove(std::string_view path) {
   if (fPlaces.empty()) return;
   const std::size_t place = PlaceOf(path, Hash(path));
-  std::uint32_t entry = fPlaces[place].entry;
-  if (entry == kNone) return;
+  TEntry* entry = fPlaces[place].entry;
+  if (!entry) return;
   ForgetPlace(place);
   --fPaths;
-  for (; entry != kNone; entry = fEntries[entry].next) {
-    fEntries[entry].instance.reset();
+  for (; entry; entry = entry->next) {
+    delete std::exchange(entry->instance, nullptr);
     --fSize;
   }
   fOrder.clear();
@@ -51,51 +65,51 @@ void TInstanceRegistry::AppendTo(std::vector<TCIMInstance*>& instances) const {
   if (fOrder.size() != fSize) {
     fOrder.reserve(fSize);
     for (std::uint32_t entry = 0; entry < fEntries.size(); ++entry) {
-      if (fEntries[entry].instance) fOrder.push_back(entry);
+      if (At(entry)) fOrder.push_back(entry);
     }
     SortByPath(fOrder);
   }
   instances.reserve(instances.size() + fOrder.size());
-  for (const std::uint32_t entry : fOrder) instances.push_back(fEntries[entry].instance.get());
+  for (const std::uint32_t entry : fOrder) instances.push_back(At(entry));
 }
 
 void TInstanceRegistry::AppendTo(std::vector<TCIMInstance*>& instances,
                                  std::vector<std::uint32_t> entries) const {
   SortByPath(entries);
   for (const std::uint32_t entry : entries) {
-    if (fEntries[entry].instance) instances.push_back(fEntries[entry].instance.get());
+    if (At(entry)) instances.push_back(At(entry));
   }
 }
 
 // `entries` are in the order of arrival, which those of one path keep.
 void TInstanceRegistry::SortByPath(std::vector<std::uint32_t>& entries) const {
   std::stable_sort(entries.begin(), entries.end(), [this](std::uint32_t a, std::uint32_t b) {
-    return fEntries[a].path < fEntries[b].path;
+    return fEntries[a]->Path() < fEntries[b]->Path();
   });
 }
 
-std::uint32_t TInstanceRegistry::Hash(const std::string& path) {
-  const std::size_t hash = std::hash<std::string>()(path);
+std::uint32_t TInstanceRegistry::Hash(std::string_view path) {
+  const std::size_t hash = std::hash<std::string_view>()(path);
   return static_cast<std::uint32_t>(hash ^ (hash >> 32));
 }
 
 // Where the path stands, or is to stand.
-std::size_t TInstanceRegistry::PlaceOf(const std::string& path, std::uint32_t hash) const {
+std::size_t TInstanceRegistry::PlaceOf(std::string_view path, std::uint32_t hash) const {
   const std::size_t mask = fPlaces.size() - 1;
   std::size_t place = hash & mask;
-  while (fPlaces[place].entry != kNone) {
-    if (fPlaces[place].hash == hash && fEntries[fPlaces[place].entry].path == path) break;
+  while (fPlaces[place].entry) {
+    if (fPlaces[place].hash == hash && fPlaces[place].entry->Path() == path) break;
     place = (place + 1) & mask;
   }
   return place;
 }
 
 void TInstanceRegistry::Rehash(std::size_t places) {
-  const std::vector<TPlace> old = std::exchange(fPlaces, std::vector<TPlace>(places));
+  const TPlaces old = std::exchange(fPlaces, TPlaces(places));
   for (const TPlace& moved : old) {
-    if (moved.entry == kNone) continue;
+    if (!moved.entry) continue;
     std::size_t place = moved.hash & (places - 1);
-    while (fPlaces[place].entry != kNone) place = (place + 1) & (places - 1);
+    while (fPlaces[place].entry) place = (place + 1) & (places - 1);
     fPlaces[place] = moved;
   }
 }
@@ -109,7 +123,7 @@ void TInstanceRegistry::ForgetPlace(std::size_t place) {
     std::size_t home;
     do {
       next = (next + 1) & mask;
-      if (fPlaces[next].entry == kNone) return;
+      if (!fPlaces[next].entry) return;
       home = fPlaces[next].hash & mask;
     } while (((next - home) & mask) < ((next - place) & mask));
     fPlaces[place] = fPlaces[next];
@@ -119,11 +133,12 @@ void TInstanceRegistry::ForgetPlace(std::size_t place) {
 
 // Drops the entries that were removed.
 void TInstanceRegistry::Compact() {
-  std::vector<TEntry> old = std::exchange(fEntries, std::vector<TEntry>());
+  const TArena memory = std::exchange(fMemory, TArena());
+  const std::vector<TEntry*> old = std::exchange(fEntries, std::vector<TEntry*>());
   fPlaces.clear();
   fPaths = fSize = 0;
   ++fCompactions;
-  for (TEntry& entry : old) {
-    if (entry.instance) Add(std::move(entry.path), entry.instance);
+  for (const TEntry* entry : old) {
+    if (entry->instance) Add(entry->Path(), std::unique_ptr<TCIMInstance>(entry->instance));
   }
 }

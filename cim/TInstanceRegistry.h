@@ -1,11 +1,13 @@
 #pragma once
 
-#include <boost/shared_ptr.hpp>
 #include <cstddef>
 #include <cstdint>
-#include <string>
+#include <memory>
+#include <string_view>
 #include <vector>
 
+#include "cim/HugePages.h"
+#include "cim/TArena.h"
 #include "zelcore/TCIMInstance.h"
 
 // The instances of one class by the text of their paths. Several may stand under one path, in the
@@ -13,14 +15,19 @@
 // of the paths is worked out when it is asked for.
 class TInstanceRegistry {
  public:
-  static std::uint32_t Hash(const std::string& path);
+  TInstanceRegistry() = default;
+  ~TInstanceRegistry();
+  TInstanceRegistry(const TInstanceRegistry&) = delete;
+  TInstanceRegistry& operator=(const TInstanceRegistry&) = delete;
+
+  static std::uint32_t Hash(std::string_view path);
 
   // Returns the hash of the path.
-  std::uint32_t Add(std::string path, const boost::shared_ptr<TCIMInstance>& instance);
+  std::uint32_t Add(std::string_view path, std::unique_ptr<TCIMInstance> instance);
   // The first of that path, or null.
-  TCIMInstance* Find(const std::string& path) const;
+  TCIMInstance* Find(std::string_view path) const;
   // Destroys all of that path.
-  void Remove(const std::string& path);
+  void Remove(std::string_view path);
   // By path; those of one path in the order of their arrival.
   void AppendTo(std::vector<TCIMInstance*>& instances) const;
   std::size_t Size() const { return fSize; }
@@ -29,35 +36,39 @@ class TInstanceRegistry {
   std::uint32_t Entries() const { return static_cast<std::uint32_t>(fEntries.size()); }
   std::uint32_t Compactions() const { return fCompactions; }
   // Null when it was removed.
-  TCIMInstance* At(std::uint32_t entry) const { return fEntries[entry].instance.get(); }
+  TCIMInstance* At(std::uint32_t entry) const { return fEntries[entry]->instance; }
   // The same for those in `entries` alone, as far as they are still there; ascending.
   void AppendTo(std::vector<TCIMInstance*>& instances, std::vector<std::uint32_t> entries) const;
 
  private:
-  static constexpr std::uint32_t kNone = 0xFFFFFFFF;
-
+  // Its path stands behind it: a search that has found the one has the other.
   struct TEntry {
-    std::string path;
-    boost::shared_ptr<TCIMInstance> instance;  // null: removed
-    std::uint32_t next;                        // the next of this path
-    std::uint32_t last;                        // the last of this path; kept in the first
+    TCIMInstance* instance;  // owned; null: removed
+    TEntry* next;            // the next of this path
+    TEntry* last;            // the last of this path; kept in the first
+    std::size_t size;        // of the path
+
+    std::string_view Path() const { return {reinterpret_cast<const char*>(this + 1), size}; }
   };
 
   // A place for the first entry of a path. It keeps the hash, so that a search that passes by need
   // not look at the entry, which is far away in memory.
   struct TPlace {
-    std::uint32_t entry = kNone;
+    TEntry* entry = nullptr;
     std::uint32_t hash = 0;
   };
+  using TPlaces = std::vector<TPlace, zelcore::detail::THugePageAllocator<TPlace>>;
 
-  std::size_t PlaceOf(const std::string& path, std::uint32_t hash) const;
+  TEntry* MakeEntry(std::string_view path);
+  std::size_t PlaceOf(std::string_view path, std::uint32_t hash) const;
   void Rehash(std::size_t places);
   void ForgetPlace(std::size_t place);
   void Compact();
   void SortByPath(std::vector<std::uint32_t>& entries) const;
 
-  std::vector<TEntry> fEntries;  // in the order of arrival
-  std::vector<TPlace> fPlaces;   // open addressing
+  TArena fMemory;                 // of the entries
+  std::vector<TEntry*> fEntries;  // in the order of arrival
+  TPlaces fPlaces;                // open addressing
   std::size_t fPaths = 0;
   std::size_t fSize = 0;
   std::uint32_t fCompactions = 0;

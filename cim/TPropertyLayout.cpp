@@ -11,14 +11,16 @@ using zelcore::detail::TNameLess;
 using zelcore::detail::ToAsciiLower;
 using zelcore::detail::TSchemaChanges;
 
-TPropertyLayout::TPropertyLayout(const TPropertyDecls& decls) : fChanges(TSchemaChanges::Count()) {
+TPropertyLayout::TPropertyLayout(const TPropertyDecls& decls)
+    : fFollowers(decls.size()), fChanges(TSchemaChanges::Count()) {
   // By the names that the declarations have now: one that was renamed keeps its place in its class.
   TPropertyDecls byName;
   for (const auto& [key, decl] : decls) {
     byName.emplace(TContainerImpl::NormalizeName(decl->GetName()), decl);
   }
   fSlots.reserve(byName.size());
-  for (const auto& [key, decl] : byName) fSlots.push_back({key, decl});
+  for (const auto& [key, decl] : byName) fSlots.push_back({key, decl->GetName(), decl});
+  fIsAsDeclared = std::equal(decls.begin(), decls.end(), byName.begin(), byName.end());
 
   BuildIndex();
   fStampSlot = Find("DateTimeOfCollection");
@@ -51,6 +53,21 @@ std::uint32_t TPropertyLayout::Hash(std::string_view name) {
 }
 
 std::size_t TPropertyLayout::Find(std::string_view name) const {
+  if (fSlots.empty()) return kNoSlot;
+  constexpr auto kRelaxed = std::memory_order_relaxed;
+  const std::uint32_t last = fLastAsked.load(kRelaxed);
+  if (fSlots[last].name == name) return last;
+  std::atomic<std::uint32_t>& follower = fFollowers[last];
+  const std::uint32_t expected = follower.load(kRelaxed);
+  const bool isExpected = fSlots[expected].name == name;
+  const std::size_t slot = isExpected ? expected : Search(name);
+  if (slot == kNoSlot) return kNoSlot;
+  if (!isExpected) follower.store(static_cast<std::uint32_t>(slot), kRelaxed);
+  fLastAsked.store(static_cast<std::uint32_t>(slot), kRelaxed);
+  return slot;
+}
+
+std::size_t TPropertyLayout::Search(std::string_view name) const {
   if (fIndex.empty()) {
     const auto isLess = [](const TSlot& slot, std::string_view key) {
       return TNameLess()(slot.key, key);
@@ -72,9 +89,9 @@ const std::vector<std::size_t>& TPropertyLayout::KeySlots() const {
   return fKeySlots;
 }
 
-const std::vector<std::size_t>& TPropertyLayout::PathSlots() const {
+const std::vector<TPropertyLayout::TPathPart>& TPropertyLayout::PathParts() const {
   if (!fKeysFound) FindKeys();
-  return fPathSlots;
+  return fPathParts;
 }
 
 void TPropertyLayout::FindKeys() const {
@@ -82,10 +99,14 @@ void TPropertyLayout::FindKeys() const {
   for (std::size_t slot = 0; slot < fSlots.size(); ++slot) {
     if (fSlots[slot].decl->GetBody()->IsKey()) keys.push_back(slot);
   }
-  fPathSlots = keys;
-  std::sort(fPathSlots.begin(), fPathSlots.end(), [this](std::size_t a, std::size_t b) {
-    return fSlots[a].decl->GetName() < fSlots[b].decl->GetName();
-  });
-  fKeySlots = std::move(keys);
+  fKeySlots = keys;
+  std::sort(keys.begin(), keys.end(),
+            [this](std::size_t a, std::size_t b) { return fSlots[a].name < fSlots[b].name; });
+  fPathParts.clear();
+  for (const std::size_t slot : keys) {
+    const char* const separator = fPathParts.empty() ? "." : "\",";
+    fPathParts.push_back(
+        {slot, fSlots[slot].decl->GetType(), separator + fSlots[slot].name + "=\""});
+  }
   fKeysFound = true;
 }

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <atomic>
 #include <boost/shared_ptr.hpp>
 #include <cstddef>
 #include <cstdint>
@@ -28,9 +29,13 @@ class TPropertyLayout {
 
   std::size_t Size() const { return fSlots.size(); }
   const std::string& Key(std::size_t slot) const { return fSlots[slot].key; }
-  const TCIMPropertyDecl& Decl(std::size_t slot) const { return *fSlots[slot].decl; }
-  // Without regard to case; `name` need not be valid.
+  TCIMPropertyDecl& Decl(std::size_t slot) const { return *fSlots[slot].decl; }
+  // Without regard to case; `name` need not be valid. Quickest, in the spelling of the declaration,
+  // for the name that was asked for last, and for the one that was asked for behind it the last
+  // time.
   std::size_t Find(std::string_view name) const;
+  // Whether every declaration is called as it was when its class took it.
+  bool IsAsDeclared() const { return fIsAsDeclared; }
 
   // Whether a property is declared a reference.
   bool HasReferences() const { return fHasReferences; }
@@ -40,26 +45,40 @@ class TPropertyLayout {
 
   // The key properties, in the order of the slots. Throws what testing KEY throws.
   const std::vector<std::size_t>& KeySlots() const;
-  // The same in the order in which a path names them: by the bytes of the names as declared.
-  const std::vector<std::size_t>& PathSlots() const;
+
+  // A key property in a path.
+  struct TPathPart {
+    std::size_t slot;
+    TCIMValue::TCIMType type;
+    std::string opening;  // what stands in front of its value: `.Name="`, `",Id="`
+  };
+  // The key properties in the order in which a path names them: by the bytes of the names as
+  // declared.
+  const std::vector<TPathPart>& PathParts() const;
 
  private:
   struct TSlot {
     std::string key;
+    std::string name;  // as declared
     boost::shared_ptr<TCIMPropertyDecl> decl;
   };
 
+  std::size_t Search(std::string_view name) const;
   void BuildIndex();
   static std::uint32_t Hash(std::string_view name);
   void FindKeys() const;
 
   std::vector<TSlot> fSlots;
+  // Which slot was asked for after which. Several threads may read instances of one class.
+  mutable std::vector<std::atomic<std::uint32_t>> fFollowers;
+  mutable std::atomic<std::uint32_t> fLastAsked{0};
   // Open addressing: slot plus 1, or 0. Empty when names crowd, as a hostile document can arrange.
   std::vector<std::uint32_t> fIndex;
   std::size_t fStampSlot;
   bool fHasReferences;
+  bool fIsAsDeclared;
   std::uint64_t fChanges;
   mutable bool fKeysFound = false;
   mutable std::vector<std::size_t> fKeySlots;
-  mutable std::vector<std::size_t> fPathSlots;
+  mutable std::vector<TPathPart> fPathParts;
 };

@@ -196,8 +196,8 @@ class ZEL_API TCIMValue {
   TCIMValueImpl& Variant() const;
   template <class TVariant, class... TArgs>
   void MakeVariant(TCIMType type, TArgs&&... args);
-  // Takes type and variant, and nothing else.
-  void TakeVariant(TCIMValue& other) noexcept;
+  // Takes everything; `other` is untyped and NULL afterwards.
+  void Take(TCIMValue& other) noexcept;
   void Clear() {
     if (fHasVariant && GetType() > TCIMType::TypeReal64) DestroyVariant();  // numbers own nothing
     fHasVariant = false;
