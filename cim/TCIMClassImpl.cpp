@@ -238,9 +238,7 @@ void TCIMClassImpl::AddInstance(TCIMInstance& instance) {
 }
 
 void TCIMClassImpl::RemoveInstance(TCIMInstance& instance) {
-  std::string path;
-  instance.GetBody()->BuildPathText(path);
-  fInstances.Remove(path);
+  fInstances.Remove(instance.GetBody()->BuildPathText());
 }
 
 TCIMInstance* TCIMClassImpl::GetInstance(const TCIMReference& path) const {

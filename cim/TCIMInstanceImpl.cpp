@@ -7,6 +7,7 @@
 #include "cim/PathText.h"
 #include "cim/TCIMClassImpl.h"
 #include "cim/TCIMPropertyImpl.h"
+#include "cim/TContainerImpl.h"
 #include "zelcore/TCIMClass.h"
 #include "zelcore/TCIMDateTime.h"
 #include "zelcore/TContainer.h"
@@ -22,13 +23,14 @@ using zelcore::detail::Text;
 static_assert(sizeof(TCIMProperty) % alignof(TCIMPropertyImpl) == 0);
 static_assert(sizeof(TReferenceWatch) % alignof(TCIMProperty) == 0);
 
-TCIMInstanceImpl::TPropertyBlock::TPropertyBlock(const TPropertyLayout& layout)
-    : fSize(static_cast<std::uint32_t>(layout.Size())), fHasWatch(layout.HasReferences()) {
-  constexpr std::size_t kEach = sizeof(TCIMProperty) + sizeof(TCIMPropertyImpl);
-  const std::size_t front = fHasWatch ? sizeof(TReferenceWatch) : 0;
-  char* const memory = static_cast<char*>(::operator new(front + fSize * kEach));
-  fProperties = reinterpret_cast<TCIMProperty*>(memory + front);
-  if (fHasWatch) new (memory) TReferenceWatch();
+TCIMInstanceImpl::TPropertyBlock::TPropertyBlock(const TPropertyLayout& layout,
+                                                 const boost::shared_ptr<TBlockPool>& memory)
+    : fMemory(memory),
+      fSize(static_cast<std::uint32_t>(layout.Size())),
+      fHasWatch(layout.HasReferences()) {
+  void* block = fMemory->Allocate(MemorySize());
+  if (fHasWatch) block = new (block) TReferenceWatch() + 1;
+  fProperties = static_cast<TCIMProperty*>(block);
   auto* bodies = reinterpret_cast<TCIMPropertyImpl*>(fProperties + fSize);
   for (std::uint32_t slot = 0; slot < fSize; ++slot) {
     TCIMProperty* property = fProperties + slot;
@@ -40,19 +42,23 @@ TCIMInstanceImpl::TPropertyBlock::TPropertyBlock(const TPropertyLayout& layout)
 
 TCIMInstanceImpl::TPropertyBlock::~TPropertyBlock() {
   std::destroy_n(fProperties, fSize);
-  if (TReferenceWatch* const watch = Watch()) {
-    watch->~TReferenceWatch();
-    ::operator delete(watch);
-  } else {
-    ::operator delete(fProperties);
-  }
+  TReferenceWatch* const watch = Watch();
+  if (watch) watch->~TReferenceWatch();
+  fMemory->Release(watch ? static_cast<void*>(watch) : fProperties, MemorySize());
+}
+
+std::size_t TCIMInstanceImpl::TPropertyBlock::MemorySize() const {
+  // An instance without properties has a block, too.
+  const std::size_t properties =
+      std::max<std::size_t>(fSize, 1) * (sizeof(TCIMProperty) + sizeof(TCIMPropertyImpl));
+  return fHasWatch ? sizeof(TReferenceWatch) + properties : properties;
 }
 
 TCIMInstanceImpl::TCIMInstanceImpl(TCIMInstance* owner, TCIMClass* cls)
     : fOwner(owner),
       fClass(cls),
       fLayout(cls->GetBody()->Layout()),
-      fProperties(*fLayout),
+      fProperties(*fLayout, cls->GetContainer()->GetBody()->InstanceMemory()),
       fAdded(false),
       fPathHash(0) {
   const std::size_t stamp = fLayout->StampSlot();
@@ -115,6 +121,12 @@ TCIMReference TCIMInstanceImpl::BuildPath() const {
     path.AddKeyValue(name, GetProperty(name)->GetValue());
   }
   return path;
+}
+
+std::string TCIMInstanceImpl::BuildPathText() const {
+  std::string text;
+  BuildPathText(text);
+  return text;
 }
 
 void TCIMInstanceImpl::BuildPathText(std::string& text) const {

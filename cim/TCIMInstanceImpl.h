@@ -8,6 +8,7 @@
 #include <string_view>
 #include <vector>
 
+#include "cim/TBlockPool.h"
 #include "cim/TCIMElementImpl.h"
 #include "cim/TPropertyLayout.h"
 #include "cim/TReferenceWatch.h"
@@ -54,7 +55,8 @@ class ZEL_API TCIMInstanceImpl : public TCIMElementImpl {
   TReferenceWatch* Watch() const { return fProperties.Watch(); }
 
   TCIMReference BuildPath() const;
-  // Replaces `text` by BuildPath().GetPath(), without making the path in between.
+  // BuildPath().GetPath(), without making the path in between; or in place of `text`.
+  std::string BuildPathText() const;
   void BuildPathText(std::string& text) const;
 
   // In AssociationTraversal.cpp.
@@ -74,7 +76,7 @@ class ZEL_API TCIMInstanceImpl : public TCIMElementImpl {
   // front the watch, if the layout has references.
   class TPropertyBlock {
    public:
-    explicit TPropertyBlock(const TPropertyLayout& layout);
+    TPropertyBlock(const TPropertyLayout& layout, const boost::shared_ptr<TBlockPool>& memory);
     ~TPropertyBlock();
     TPropertyBlock(const TPropertyBlock&) = delete;
     TPropertyBlock& operator=(const TPropertyBlock&) = delete;
@@ -85,6 +87,9 @@ class ZEL_API TCIMInstanceImpl : public TCIMElementImpl {
     }
 
    private:
+    std::size_t MemorySize() const;
+
+    boost::shared_ptr<TBlockPool> fMemory;
     TCIMProperty* fProperties;
     std::uint32_t fSize;
     bool fHasWatch;

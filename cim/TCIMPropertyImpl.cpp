@@ -26,10 +26,6 @@ std::string NameOf(const TCIMClass* cls) { return cls ? cls->GetName() : ""; }
 
 }  // namespace
 
-TCIMPropertyImpl::TCIMPropertyImpl(TCIMProperty* owner, const TCIMPropertyDecl* declaration,
-                                   bool inBlock, std::uint32_t watchedSlot)
-    : fOwner(owner), fDeclaration(declaration), fInBlock(inBlock), fWatchedSlot(watchedSlot) {}
-
 TCIMPropertyImpl::TCIMPropertyImpl(TCIMProperty* owner, const TCIMPropertyImpl& other)
     : TCIMPropertyImpl(owner, other.fDeclaration) {
   if (other.fHasValue) SetValue(other.fValue);

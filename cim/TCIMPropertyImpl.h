@@ -15,7 +15,8 @@ class ZEL_API TCIMPropertyImpl {
   static constexpr std::uint32_t kUnwatched = 0xFFFFFFFF;
 
   TCIMPropertyImpl(TCIMProperty* owner, const TCIMPropertyDecl* declaration, bool inBlock = false,
-                   std::uint32_t watchedSlot = kUnwatched);
+                   std::uint32_t watchedSlot = kUnwatched)
+      : fOwner(owner), fDeclaration(declaration), fInBlock(inBlock), fWatchedSlot(watchedSlot) {}
   // Checks the values of `other` against the declaration again.
   TCIMPropertyImpl(TCIMProperty* owner, const TCIMPropertyImpl& other);
   TCIMPropertyImpl(const TCIMPropertyImpl&) = delete;

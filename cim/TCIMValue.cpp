@@ -93,9 +93,6 @@ void TCIMValue::MakeVariant(TCIMType type, TArgs&&... args) {
   fHasVariant = true;
 }
 
-TCIMValue::TCIMValue()
-    : fType(TCIMType::TypeNone), fHasVariant(false), fMaxArraySize(0), fReferencedClass(nullptr) {}
-
 TCIMValue::TCIMValue(const TCIMValue& other) : TCIMValue() { Set(other); }
 
 TCIMValue::TCIMValue(TCIMValue&& other) noexcept : TCIMValue() { Take(other); }

@@ -1,6 +1,7 @@
 #include "cim/TContainerImpl.h"
 
 #include <algorithm>
+#include <boost/make_shared.hpp>
 #include <cassert>
 #include <utility>
 
@@ -41,7 +42,8 @@ auto GetFrom(TRegistry& registry, const std::string& name) {
 
 }  // namespace
 
-TContainerImpl::TContainerImpl(TContainer* owner) : fOwner(owner), fIsDiff(false) {}
+TContainerImpl::TContainerImpl(TContainer* owner)
+    : fOwner(owner), fInstanceMemory(boost::make_shared<TBlockPool>()), fIsDiff(false) {}
 
 TContainerImpl::~TContainerImpl() {
   // Superclasses come before or after their subclasses in the registry: no class may look at

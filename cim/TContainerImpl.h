@@ -7,6 +7,7 @@
 #include <vector>
 
 #include "cim/Names.h"
+#include "cim/TBlockPool.h"
 #include "zelcore/TCIMClass.h"
 #include "zelcore/TCIMQualifierDecl.h"
 #include "zelcore/detail/Export.h"
@@ -36,6 +37,9 @@ class ZEL_API TContainerImpl {
   std::vector<TCIMQualifierDecl*> EnumerateQualifiers() const;
   void RemoveQualifierDecl(TCIMQualifierDecl& decl);
 
+  // What the properties of instances stand in; the instances keep it.
+  const boost::shared_ptr<TBlockPool>& InstanceMemory() const { return fInstanceMemory; }
+
   std::vector<TCIMClass*> PopulateContainerFromFile(const std::string& path);
 
   void TurnIntoADiffContainer() { fIsDiff = true; }
@@ -58,6 +62,7 @@ class ZEL_API TContainerImpl {
   TRegistry<TCIMQualifierDecl> fQualifierDecls;
   std::unique_ptr<TCIMClass> fRootClass;
   TRegistry<TCIMClass> fClasses;
+  boost::shared_ptr<TBlockPool> fInstanceMemory;
   bool fIsDiff;
   std::vector<TCIMInstance*> fDiffInstances;
 };

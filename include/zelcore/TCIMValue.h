@@ -64,7 +64,8 @@ class ZEL_API TCIMValue {
   };
 
   // Untyped and NULL.
-  TCIMValue();
+  TCIMValue()
+      : fType(TCIMType::TypeNone), fHasVariant(0), fMaxArraySize(0), fReferencedClass(nullptr) {}
   // As Set(const TCIMValue&) on a new value.
   TCIMValue(const TCIMValue& other);
   // Takes everything; `other` is untyped and NULL afterwards.

@@ -1,0 +1,20 @@
+#include "cim/TBlockPool.h"
+
+#include <sanitizer/asan_interface.h>  // does nothing without AddressSanitizer
+
+#include <new>
+
+void* TBlockPool::Allocate(std::size_t size) {
+  const auto found = fReleased.find(size);
+  if (found == fReleased.end() || !found->second) return fMemory.Allocate(size);
+  TReleased* const block = found->second;
+  ASAN_UNPOISON_MEMORY_REGION(block, size);
+  found->second = block->next;
+  return block;
+}
+
+void TBlockPool::Release(void* block, std::size_t size) {
+  TReleased*& last = fReleased[size];
+  last = new (block) TReleased{last};
+  ASAN_POISON_MEMORY_REGION(block, size);
+}
