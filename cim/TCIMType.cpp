@@ -51,7 +51,8 @@ static_assert(kTypesByName.fIsPerfect);
 TCIMType::ECIMType FindType(std::string_view name) {
   if (!name.empty()) {
     const unsigned int code = kTypesByName.fCodes[PlaceOf(name)];
-    if (EqualsIgnoringAsciiCase(name, kTypeTexts[code])) return TCIMType::ECIMType(code);
+    const std::string_view text = kTypeTexts[code];
+    if (name == text || EqualsIgnoringAsciiCase(name, text)) return TCIMType::ECIMType(code);
   }
   Fail(zelStatusTypeMismatch);
 }

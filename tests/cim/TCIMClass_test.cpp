@@ -3,6 +3,7 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <map>
 #include <memory>
 #include <set>
 
@@ -390,6 +391,19 @@ TEST(TCIMClass, FindsEveryInstanceThroughManyRemovals) {
     EXPECT_EQ(left, paths.size());
     EXPECT_TRUE(std::is_sorted(paths.begin(), paths.end()));
   }
+}
+
+TEST(TCIMClass, FindsInstancesOfPathsOfEveryLength) {
+  Schema schema;
+  TCIMClass& fan = schema.AddClass("ACME_Fan");
+  std::map<std::size_t, TCIMInstance*> instances;
+  for (const std::size_t length : {0u, 1u, 1000u, 2000u, 3000000u, 7u}) {
+    instances[length] = &schema.AddInstance(fan, std::string(length, 'x'));
+  }
+  for (const auto& [length, instance] : instances) {
+    EXPECT_EQ(instance, fan.FindInstance(schema.PathOf(fan, std::string(length, 'x')))) << length;
+  }
+  EXPECT_EQ(nullptr, fan.FindInstance(schema.PathOf(fan, "xx")));
 }
 
 TEST(TCIMClass, ListsInstancesOfSubclassesAfterItsOwn) {

@@ -12,9 +12,11 @@
 #include "zelcore/TCIMDateTime.h"
 #include "zelcore/TCIMProperty.h"
 #include "zelcore/TOSSpecific.h"
+#include "zelcore/detail/Ascii.h"
 
 namespace {
 
+using zelcore::detail::EqualsIgnoringAsciiCase;
 using TCIMType = TCIMValue::TCIMType;
 using TNames = std::vector<std::string>;
 
@@ -124,6 +126,45 @@ TEST_F(TCIMInstanceTest, SharesItsBodyWithCopies) {
   copy.SetPropertyValue("Speed", TCIMValue(9u));
   EXPECT_EQ(TCIMValue(9u), fan->GetProperty("Speed")->GetValue());
   EXPECT_EQ(fan->GetBody(), copy.GetBody());
+}
+
+TEST(TCIMInstance, OutlivesItsContainerInACopy) {
+  auto schema = std::make_unique<Schema>();
+  TCIMClass& fan = schema->AddClass("ACME_Fan");
+  const TCIMInstance copy(schema->AddInstance(fan, "a name that is too long to stand in a value"));
+  schema.reset();
+  EXPECT_EQ(TCIMValue("a name that is too long to stand in a value"),
+            copy.GetProperty("name")->GetValue());
+}
+
+TEST_F(TCIMInstanceTest, StartsAfreshWhereAnotherStood) {
+  for (int i = 0; i < 3; ++i) {
+    const std::unique_ptr<TCIMInstance> fan = fSchema.Instance(fFan);
+    const std::unique_ptr<TCIMInstance> base = fSchema.Instance(fBase);
+    for (const TCIMProperty* property : fan->EnumerateProperties()) {
+      EXPECT_TRUE(property->GetPropagated());
+      EXPECT_FALSE(property->IsPrevValueDifferent());
+    }
+    fan->SetPropertyValue("Name", TCIMValue("a name that is too long to stand in a value"));
+    fan->SetPropertyValue("Blades", TCIMValue(TCIMType::TypeUint16, 8, {}));
+    fan->SetPrevPropertyValue("Speed", TCIMValue(6u));
+    base->SetPropertyValue("Speed", TCIMValue(7u));
+  }
+}
+
+TEST_F(TCIMInstanceTest, FindsPropertiesInAnyOrderAndSpelling) {
+  const std::unique_ptr<TCIMInstance> fan = fSchema.Instance(fFan);
+  const char* const names[] = {"Speed", "SPEED", "blades", "Name", "Blades", "name", "None"};
+  for (const char* first : names) {
+    for (const char* second : names) {
+      for (const char* name : {first, second, first, first, second}) {
+        const TCIMProperty* const property = fan->FindProperty(name);
+        ASSERT_EQ(std::string(name) == "None", property == nullptr) << name;
+        if (!property) continue;
+        ASSERT_TRUE(EqualsIgnoringAsciiCase(name, property->GetName())) << name;
+      }
+    }
+  }
 }
 
 TEST_F(TCIMInstanceTest, IsStampedWithTheTimeItIsMade) {

@@ -322,3 +322,57 @@ TEST_F(CopyingValues, CopiesEvenWhenAssignedFromAnExpiringValue) {
   EXPECT_EQ(TCIMValue("text"), target);
   EXPECT_EQ(TCIMValue("text"), source);
 }
+
+TEST_F(CopyingValues, KeepsTextsOfEveryLength) {
+  for (const std::size_t length :
+       {0u, 1u, 15u, 16u, 22u, 23u, 24u, 25u, 254u, 255u, 256u, 70000u}) {
+    std::string text(length, 'x');
+    if (length > 2) text[length - 2] = '\0';
+    TCIMValue value(text);
+    const TCIMValue copy(value);
+    const TCIMValue moved(std::move(value));
+    value = 5;
+    EXPECT_EQ(text, copy.operator std::string()) << length;
+    EXPECT_EQ(text, moved.ToString(10)) << length;
+    EXPECT_EQ(copy, moved) << length;
+    EXPECT_EQ(TCIMValue(5), value) << length;
+    ExpectOrder(text, text + "a");
+    if (length > 0) ExpectOrder(text.substr(0, length - 1), text);
+  }
+}
+
+TEST_F(CopyingValues, ExchangesValuesOfAnyTwoKinds) {
+  TCIMReference path = PathOf(fFan);
+  const TValues kinds = {
+      TCIMValue(),
+      TCIMValue(true),
+      TCIMValue(1.5),
+      TCIMValue("short"),
+      TCIMValue("a text that is too long to stand inside the object"),
+      TCIMValue(kMarch),
+      TCIMValue(path),
+      TCIMValue(TCIMType::TypeString, 3, {"a", "b"}),
+      NullArray(TCIMType::TypeUint8, 7),
+      NullOf(TCIMType::TypeReference, fDisk),
+  };
+  const auto expectIs = [](const TCIMValue& expected, const TCIMValue& value) {
+    EXPECT_EQ(expected, value);
+    EXPECT_EQ(expected.GetMaxArraySize(), value.GetMaxArraySize());
+    EXPECT_EQ(expected.GetReferencedClass(), value.GetReferencedClass());
+  };
+  for (const TCIMValue& a : kinds) {
+    for (const TCIMValue& b : kinds) {
+      TValues pair(2);
+      pair[0] = a;
+      pair[1] = b;
+      pair[0].Swap(pair[1]);
+      expectIs(b, pair[0]);
+      expectIs(a, pair[1]);
+      pair[0].Swap(pair[0]);
+      expectIs(b, pair[0]);
+      pair.reserve(100);  // moves them
+      expectIs(b, pair[0]);
+      expectIs(a, pair[1]);
+    }
+  }
+}
