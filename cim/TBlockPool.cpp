@@ -6,7 +6,9 @@
 
 void* TBlockPool::Allocate(std::size_t size) {
   const auto found = fReleased.find(size);
-  if (found == fReleased.end() || !found->second) return fMemory.Allocate(size);
+  if (found == fReleased.end() || !found->second) {
+    return fMemory.At(fMemory.Allocate(size));
+  }
   TReleased* const block = found->second;
   ASAN_UNPOISON_MEMORY_REGION(block, size);
   found->second = block->next;

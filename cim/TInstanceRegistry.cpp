@@ -7,16 +7,16 @@
 #include <utility>
 
 TInstanceRegistry::~TInstanceRegistry() {
-  for (const TEntry* entry : fEntries) delete entry->instance;
+  for (const std::uint32_t entry : fEntries) delete Entry(entry).instance;
 }
 
-TInstanceRegistry::TEntry* TInstanceRegistry::MakeEntry(std::string_view path) {
-  void* const memory = fMemory.Allocate(sizeof(TEntry) + path.size());
-  auto* const entry = new (memory) TEntry{nullptr, nullptr, nullptr, path.size()};
+std::uint32_t TInstanceRegistry::MakeEntry(std::string_view path,
+                                           std::unique_ptr<TCIMInstance> instance) {
+  const std::uint32_t piece = fMemory.Allocate(sizeof(TEntry) + path.size());
+  fEntries.push_back(piece);
+  auto* const entry = new (fMemory.At(piece)) TEntry{instance.release(), kNone, piece, path.size()};
   if (!path.empty()) std::memcpy(entry + 1, path.data(), path.size());
-  entry->last = entry;
-  fEntries.push_back(entry);
-  return entry;
+  return piece;
 }
 
 std::uint32_t TInstanceRegistry::Add(std::string_view path,
@@ -26,14 +26,14 @@ std::uint32_t TInstanceRegistry::Add(std::string_view path,
   }
   const std::uint32_t hash = Hash(path);
   TPlace& place = fPlaces[PlaceOf(path, hash)];
-  TEntry* const entry = MakeEntry(path);
-  entry->instance = instance.release();
-  if (!place.entry) {
+  const std::uint32_t entry = MakeEntry(path, std::move(instance));
+  if (place.entry == kNone) {
     place = {entry, hash};
     ++fPaths;
   } else {
-    place.entry->last->next = entry;
-    place.entry->last = entry;
+    TEntry& first = Entry(place.entry);
+    Entry(first.last).next = entry;
+    first.last = entry;
   }
   ++fSize;
   fOrder.clear();
@@ -42,19 +42,19 @@ std::uint32_t TInstanceRegistry::Add(std::string_view path,
 
 TCIMInstance* TInstanceRegistry::Find(std::string_view path) const {
   if (fPlaces.empty()) return nullptr;
-  const TEntry* const entry = fPlaces[PlaceOf(path, Hash(path))].entry;
-  return entry ? entry->instance : nullptr;
+  const std::uint32_t entry = fPlaces[PlaceOf(path, Hash(path))].entry;
+  return entry == kNone ? nullptr : Entry(entry).instance;
 }
 
 void TInstanceRegistry::Remove(std::string_view path) {
   if (fPlaces.empty()) return;
   const std::size_t place = PlaceOf(path, Hash(path));
-  TEntry* entry = fPlaces[place].entry;
-  if (!entry) return;
+  std::uint32_t entry = fPlaces[place].entry;
+  if (entry == kNone) return;
   ForgetPlace(place);
   --fPaths;
-  for (; entry; entry = entry->next) {
-    delete std::exchange(entry->instance, nullptr);
+  for (; entry != kNone; entry = Entry(entry).next) {
+    delete std::exchange(Entry(entry).instance, nullptr);
     --fSize;
   }
   fOrder.clear();
@@ -84,7 +84,7 @@ void TInstanceRegistry::AppendTo(std::vector<TCIMInstance*>& instances,
 // `entries` are in the order of arrival, which those of one path keep.
 void TInstanceRegistry::SortByPath(std::vector<std::uint32_t>& entries) const {
   std::stable_sort(entries.begin(), entries.end(), [this](std::uint32_t a, std::uint32_t b) {
-    return fEntries[a]->Path() < fEntries[b]->Path();
+    return Entry(fEntries[a]).Path() < Entry(fEntries[b]).Path();
   });
 }
 
@@ -97,8 +97,8 @@ std::uint32_t TInstanceRegistry::Hash(std::string_view path) {
 std::size_t TInstanceRegistry::PlaceOf(std::string_view path, std::uint32_t hash) const {
   const std::size_t mask = fPlaces.size() - 1;
   std::size_t place = hash & mask;
-  while (fPlaces[place].entry) {
-    if (fPlaces[place].hash == hash && fPlaces[place].entry->Path() == path) break;
+  while (fPlaces[place].entry != kNone) {
+    if (fPlaces[place].hash == hash && Entry(fPlaces[place].entry).Path() == path) break;
     place = (place + 1) & mask;
   }
   return place;
@@ -107,9 +107,9 @@ std::size_t TInstanceRegistry::PlaceOf(std::string_view path, std::uint32_t hash
 void TInstanceRegistry::Rehash(std::size_t places) {
   const TPlaces old = std::exchange(fPlaces, TPlaces(places));
   for (const TPlace& moved : old) {
-    if (!moved.entry) continue;
+    if (moved.entry == kNone) continue;
     std::size_t place = moved.hash & (places - 1);
-    while (fPlaces[place].entry) place = (place + 1) & (places - 1);
+    while (fPlaces[place].entry != kNone) place = (place + 1) & (places - 1);
     fPlaces[place] = moved;
   }
 }
@@ -123,7 +123,7 @@ void TInstanceRegistry::ForgetPlace(std::size_t place) {
     std::size_t home;
     do {
       next = (next + 1) & mask;
-      if (!fPlaces[next].entry) return;
+      if (fPlaces[next].entry == kNone) return;
       home = fPlaces[next].hash & mask;
     } while (((next - home) & mask) < ((next - place) & mask));
     fPlaces[place] = fPlaces[next];
@@ -134,11 +134,12 @@ void TInstanceRegistry::ForgetPlace(std::size_t place) {
 // Drops the entries that were removed.
 void TInstanceRegistry::Compact() {
   const TArena memory = std::exchange(fMemory, TArena());
-  const std::vector<TEntry*> old = std::exchange(fEntries, std::vector<TEntry*>());
+  const std::vector<std::uint32_t> old = std::exchange(fEntries, std::vector<std::uint32_t>());
   fPlaces.clear();
   fPaths = fSize = 0;
   ++fCompactions;
-  for (const TEntry* entry : old) {
-    if (entry->instance) Add(entry->Path(), std::unique_ptr<TCIMInstance>(entry->instance));
+  for (const std::uint32_t piece : old) {
+    const auto& entry = *static_cast<const TEntry*>(memory.At(piece));
+    if (entry.instance) Add(entry.Path(), std::unique_ptr<TCIMInstance>(entry.instance));
   }
 }

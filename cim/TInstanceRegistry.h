@@ -36,16 +36,18 @@ class TInstanceRegistry {
   std::uint32_t Entries() const { return static_cast<std::uint32_t>(fEntries.size()); }
   std::uint32_t Compactions() const { return fCompactions; }
   // Null when it was removed.
-  TCIMInstance* At(std::uint32_t entry) const { return fEntries[entry]->instance; }
+  TCIMInstance* At(std::uint32_t entry) const { return Entry(fEntries[entry]).instance; }
   // The same for those in `entries` alone, as far as they are still there; ascending.
   void AppendTo(std::vector<TCIMInstance*>& instances, std::vector<std::uint32_t> entries) const;
 
  private:
-  // Its path stands behind it: a search that has found the one has the other.
+  static constexpr std::uint32_t kNone = 0xFFFFFFFF;
+
+  // A piece of fMemory. Its path stands behind it: a search that has found the one has the other.
   struct TEntry {
     TCIMInstance* instance;  // owned; null: removed
-    TEntry* next;            // the next of this path
-    TEntry* last;            // the last of this path; kept in the first
+    std::uint32_t next;      // the next of this path
+    std::uint32_t last;      // the last of this path; kept in the first
     std::size_t size;        // of the path
 
     std::string_view Path() const { return {reinterpret_cast<const char*>(this + 1), size}; }
@@ -54,21 +56,22 @@ class TInstanceRegistry {
   // A place for the first entry of a path. It keeps the hash, so that a search that passes by need
   // not look at the entry, which is far away in memory.
   struct TPlace {
-    TEntry* entry = nullptr;
+    std::uint32_t entry = kNone;
     std::uint32_t hash = 0;
   };
   using TPlaces = std::vector<TPlace, zelcore::detail::THugePageAllocator<TPlace>>;
 
-  TEntry* MakeEntry(std::string_view path);
+  TEntry& Entry(std::uint32_t piece) const { return *static_cast<TEntry*>(fMemory.At(piece)); }
+  std::uint32_t MakeEntry(std::string_view path, std::unique_ptr<TCIMInstance> instance);
   std::size_t PlaceOf(std::string_view path, std::uint32_t hash) const;
   void Rehash(std::size_t places);
   void ForgetPlace(std::size_t place);
   void Compact();
   void SortByPath(std::vector<std::uint32_t>& entries) const;
 
-  TArena fMemory;                 // of the entries
-  std::vector<TEntry*> fEntries;  // in the order of arrival
-  TPlaces fPlaces;                // open addressing
+  TArena fMemory;                       // of the entries
+  std::vector<std::uint32_t> fEntries;  // in the order of arrival
+  TPlaces fPlaces;                      // open addressing
   std::size_t fPaths = 0;
   std::size_t fSize = 0;
   std::uint32_t fCompactions = 0;
