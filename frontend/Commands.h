@@ -29,6 +29,7 @@ std::unique_ptr<TCommand> MakeGetCommand(CLI::App& options);
 std::unique_ptr<TCommand> MakeTreeCommand(CLI::App& options);
 std::unique_ptr<TCommand> MakeDiffCommand(CLI::App& options);
 std::unique_ptr<TCommand> MakeReportCommand(CLI::App& options);
+std::unique_ptr<TCommand> MakeUploadCommand(CLI::App& options);
 std::unique_ptr<TCommand> MakeSchemaCommand(CLI::App& options);
 std::unique_ptr<TCommand> MakePluginsCommand(CLI::App& options);
 std::unique_ptr<TCommand> MakeValidateCommand(CLI::App& options);

@@ -32,11 +32,6 @@ void RequireFile(const std::string& path) {
   if (!std::ifstream(path)) RefuseFile(path, strerror(errno));
 }
 
-bool IsGzip(const std::string& path) {
-  std::ifstream file(path, std::ios::binary);
-  return file.get() == 0x1F && file.get() == 0x8B;
-}
-
 // Looks for the declaration of KEY, which stands before all classes and instances.
 class TKeySearch : public TStrictReader {
  public:
@@ -82,6 +77,11 @@ TDocumentText ReadText(const std::string& path) {
   if (text.size() > kMaxText) return {"", TRule::kTooLarge};
   if (!isWhole) return {"", TRule::kGzipDamaged};
   return {std::move(text), std::nullopt};
+}
+
+bool IsGzip(const std::string& path) {
+  std::ifstream file(path, std::ios::binary);
+  return file.get() == 0x1F && file.get() == 0x8B;
 }
 
 bool DeclaresKey(const std::string& text) {

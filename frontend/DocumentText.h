@@ -17,6 +17,9 @@ struct TDocumentText {
 // TCommandError (kExitBadInput) for what is no file.
 TDocumentText ReadText(const std::string& path);
 
+// Whether the file begins as gzip files do.
+bool IsGzip(const std::string& path);
+
 // Whether the document declares the qualifier KEY. One that does not builds on another.
 bool DeclaresKey(const std::string& text);
 

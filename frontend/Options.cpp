@@ -21,17 +21,22 @@ void AddCollectionOptions(CLI::App& command, TCollectionOptions& options) {
       ->type_name("DIR");
   command.add_option("--base", options.baseSchema, "Take the base schema from here")
       ->type_name("FILE");
-  command
-      .add_option_function<double>(
-          "--timeout",
-          [&options](double seconds) {
-            options.deadline = std::chrono::milliseconds(static_cast<std::int64_t>(seconds * 1000));
-          },
-          "Give each plug-in this long (default 30)")
-      ->check(CLI::Range(0.1, 86400.0).description(""))
-      ->type_name("SECONDS");
+  AddSeconds(command, "--timeout", options.deadline, "Give each plug-in this long (default 30)");
   command.add_option("--log", options.logFile, "Write the log to this file")->type_name("FILE");
   AddChoice(command, "--log-level", options.logLevel, kLogLevels, "What to log");
+}
+
+void AddSeconds(CLI::App& command, const std::string& name, std::chrono::milliseconds& value,
+                const std::string& text) {
+  command
+      .add_option_function<double>(
+          name,
+          [&value](double seconds) {
+            value = std::chrono::milliseconds(static_cast<std::int64_t>(seconds * 1000));
+          },
+          text)
+      ->check(CLI::Range(0.1, 86400.0).description(""))
+      ->type_name("SECONDS");
 }
 
 void AddRedactOption(CLI::App& command, bool& redact) {

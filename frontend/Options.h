@@ -1,6 +1,7 @@
 #pragma once
 
 #include <CLI/CLI.hpp>
+#include <chrono>
 #include <map>
 #include <string>
 #include <vector>
@@ -14,6 +15,10 @@ namespace zel {
 
 // --plugin-dir, --base, --timeout, --log, --log-level
 void AddCollectionOptions(CLI::App& command, TCollectionOptions& options);
+
+// An option for a time.
+void AddSeconds(CLI::App& command, const std::string& name, std::chrono::milliseconds& value,
+                const std::string& text);
 
 // --redact
 void AddRedactOption(CLI::App& command, bool& redact);

@@ -93,7 +93,7 @@ void PrintJson(const std::string& path, const TValidation& validation, std::ostr
 class TValidateCommand : public TCommand {
  public:
   explicit TValidateCommand(CLI::App& options) {
-    options.add_option("FILE", fFile, "The document, plain or .gz")->required();
+    options.add_option("FILE", fFile, "The document, plain or .gz")->type_name("FILE")->required();
     options
         .add_option("--base", fOptions.bases,
                     "Read these before it (default: the base schema, if the document declares no "
