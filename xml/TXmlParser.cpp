@@ -9,10 +9,10 @@
 
 #include "zelcore/detail/Ascii.h"
 
-// One member per rule. A byte is looked up once in a table of classes; the hot loops walk the buffer
-// by pointer, while the rules around them read byte by byte with GetChar() and UngetChar(), because
-// the exact counts decide where an error is seen. Open elements stand on a stack of our own, so that
-// the depth of a document costs memory and no stack.
+// One member per rule. A byte is looked up once in a table of classes; the hot loops walk the
+// buffer by pointer, while the rules around them read byte by byte with GetChar() and UngetChar(),
+// because the exact counts decide where an error is seen. Open elements stand on a stack of our
+// own, so that the depth of a document costs memory and no stack.
 
 using zelcore::detail::IsAsciiDigit;
 using zelcore::detail::IsAsciiLetter;
@@ -281,6 +281,8 @@ bool TXmlParser::ValidateName() { return ReadName(); }
 
 bool TXmlParser::SkipWhitespace() { return ReadWhitespace(); }
 
+bool TXmlParser::ParseCharData() { return ReadCharData(); }
+
 // prolog := [xmlDecl misc* [docTypeDecl misc*]]
 bool TXmlParser::ParseProlog() {
   if (GetChar() != '<') return Refuse("Unexpected character before prolog");
@@ -367,7 +369,8 @@ bool TXmlParser::ParseElement() {
 }
 
 // startTag := '<' name attribute* ('>' | '/>')
-inline bool TXmlParser::ParseStartTag(TOpenElements& open, TAttributeList& attributes) {
+[[gnu::always_inline]] inline bool TXmlParser::ParseStartTag(TOpenElements& open,
+                                                             TAttributeList& attributes) {
   if (GetChar() != '<') return Refuse("Unexpected character before element");
   char* const name = fPosition;
   if (!ReadName()) return false;
@@ -390,7 +393,7 @@ inline bool TXmlParser::ParseStartTag(TOpenElements& open, TAttributeList& attri
 }
 
 // attribute := name '=' ('"' value '"' | "'" value "'")
-inline bool TXmlParser::ParseAttribute(TAttributeList& attributes) {
+[[gnu::always_inline]] inline bool TXmlParser::ParseAttribute(TAttributeList& attributes) {
   char* const name = fPosition;
   if (!Is(*name, kStartsName)) return ReadName();  // refuses
   char* const nameEnd = FindNot<kInName>(name + 1);
@@ -419,7 +422,7 @@ inline bool TXmlParser::ParseAttribute(TAttributeList& attributes) {
 // Reads up to the next child's start tag, or until no element is open any more.
 inline bool TXmlParser::ParseContent(TOpenElements& open) {
   while (!open.IsEmpty()) {
-    ParseCharData();
+    ReadCharData();
     if (!Take('<')) return Refuse("Unexpected character where element expected");
     const char next = PeekChar();
     if (next == '/') {
@@ -435,7 +438,7 @@ inline bool TXmlParser::ParseContent(TOpenElements& open) {
 }
 
 // endTag := '</' name '>'      The '</' has been read.
-inline bool TXmlParser::ParseEndTag(TOpenElements& open) {
+[[gnu::always_inline]] inline bool TXmlParser::ParseEndTag(TOpenElements& open) {
   const std::string_view name = open.GetName();
   char* ended = fPosition;
   for (const char c : name) {
@@ -451,7 +454,7 @@ inline bool TXmlParser::ParseEndTag(TOpenElements& open) {
 }
 
 // charData := (text | reference)*
-bool TXmlParser::ParseCharData() {
+[[gnu::always_inline]] inline bool TXmlParser::ReadCharData() {
   bool hasReported = false;
   for (;;) {
     char* const text = fPosition;

@@ -96,9 +96,10 @@ class ZEL_API TXmlParser {
   class TAttributeList;
   class TAttributeMaps;
 
-  // Inline in the source: the rules around them are too hot for calls.
+  // Inline in the source, as are the rules of an element: all of it is too hot for calls.
   bool ReadName();
   bool ReadWhitespace();
+  bool ReadCharData();
   bool Take(char wanted);
 
   bool ParseStartTag(TOpenElements& open, TAttributeList& attributes);
