@@ -1,5 +1,6 @@
 #include "frontend/Inventory.h"
 
+#include <fcntl.h>
 #include <fmt/format.h>
 #include <string.h>
 #include <sys/mman.h>
@@ -83,6 +84,17 @@ TDescriptor KeepInput() {
   }
 }
 
+// The library takes a document for compressed when ".gz" stands anywhere in its path. Opens one to
+// which that happens although it is neither called so nor compressed; none otherwise.
+TDescriptor OpenPlain(const std::string& path) {
+  const bool isMistaken = path.find(".gz") != std::string::npos && !EndsIn(path, ".gz");
+  TDescriptor file(isMistaken ? open(path.c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK) : -1);
+  char magic[2] = {};
+  const bool isCompressed = pread(file.Get(), magic, sizeof magic, 0) == sizeof magic &&
+                            magic[0] == '\x1f' && magic[1] == '\x8b';
+  return isCompressed ? TDescriptor() : std::move(file);
+}
+
 void ReadInto(TContainer& container, const std::string& path, const std::string& title) {
   try {
     TLogger::GetInstance()->ClearLog();
@@ -98,18 +110,15 @@ void ReadInto(TContainer& container, const std::string& path, const std::string&
 std::string TitleOf(const std::string& path) { return path == "-" ? "standard input" : path; }
 
 void ReadFile(TContainer& container, const std::string& path) {
-  if (path == "-") {
-    const TDescriptor input = KeepInput();
-    return ReadInto(container, fmt::format("/proc/self/fd/{}", input.Get()), TitleOf(path));
-  }
   struct stat status = {};
-  if (stat(path.c_str(), &status) != 0) {
+  if (path != "-" && stat(path.c_str(), &status) != 0) {
     throw TCommandError(kExitBadInput,
                         Printable(fmt::format("cannot read '{}': {}; 'zel collect -o FILE' saves a "
                                               "collection",
                                               path, strerror(errno))));
   }
-  ReadInto(container, path, path);
+  const TDescriptor open = path == "-" ? KeepInput() : OpenPlain(path);
+  ReadInto(container, open ? fmt::format("/proc/self/fd/{}", open.Get()) : path, TitleOf(path));
 }
 
 }  // namespace

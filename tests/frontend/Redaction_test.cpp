@@ -6,6 +6,7 @@
 
 #include <filesystem>
 #include <fstream>
+#include <nlohmann/json.hpp>
 #include <set>
 
 #include "frontend/Inventory.h"
@@ -392,6 +393,13 @@ TEST(Redaction, TellsNothingOfAPluginsKeysAndMessages) {
   EXPECT_THAT(result.out, HasSubstr("  Text         mail for " + host + ", ab, above\n"));
   EXPECT_THAT(result.out, HasSubstr("  Same         " + hidden("ab") + "\n"));
   EXPECT_THAT(result.out, Not(HasSubstr("409555123456")));
+
+  for (const bool isRedacted : {false, true}) {
+    std::vector<std::string> arguments = {"--format", "json"};
+    if (isRedacted) arguments.push_back("--redact");
+    const TResult document = Zel(CollectFrom(plugins.GetPath(), arguments));
+    EXPECT_EQ(isRedacted, nlohmann::json::parse(document.out).at("redacted"));
+  }
 }
 
 }  // namespace

@@ -117,6 +117,21 @@ TEST(Save, WritesWhatTheNameSays) {
                            .size());
 }
 
+TEST(Save, WritesWhatCanBeReadUnderEveryName) {
+  const TPluginDir plugins({"good"});
+  const TempDir dir;
+  std::filesystem::create_directory(dir.PathOf("d.gz"));
+  for (const char* name :
+       {"a", "a.gz", "a.gz.xml", "a.gzip", "d.gz/a.xml", "d.gz/a.xml.gz", "-a"}) {
+    const std::string path = dir.PathOf(name);
+    EXPECT_EQ(0, Collect(plugins.GetPath(), {"-o", path}).code);
+    EXPECT_EQ(path.substr(path.size() - 3) == ".gz", ReadFile(path).substr(0, 2) == "\x1f\x8b");
+    EXPECT_EQ(2u, InstancesOf(TInventory::Read(path), "Good_Thing").size()) << name;
+  }
+  fs::copy(dir.PathOf("a.gz"), dir.PathOf("b.gz.old"));
+  EXPECT_EQ(2u, InstancesOf(TInventory::Read(dir.PathOf("b.gz.old")), "Good_Thing").size());
+}
+
 TEST(Save, FindsANameOfItsOwn) {
   setenv("ZEL_SYSROOT", Machine("qemu-q35").c_str(), 1);
   const TempDir dir;
