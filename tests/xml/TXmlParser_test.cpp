@@ -522,6 +522,45 @@ TEST(TXmlParser, ReadsAMillionNestedElements) {
 }
 
 // Each of these takes minutes where a step looks again at what it has seen.
+std::string ManyAttributes(int count) {
+  std::string text;
+  for (int i = 0; i < count; ++i) text += " a" + std::to_string(i) + "=''";
+  return text;
+}
+
+TEST(TXmlParser, FindsAnAttributeThatAppearsTwiceAmongMany) {
+  for (const int count : {1, 15, 16, 17, 18, 200}) {
+    const std::string tag = "<a" + ManyAttributes(count);
+    EXPECT_EQ("end a @1", LastEvent(tag + "/>")) << count;
+    EXPECT_EQ("end a @1", LastEvent(tag + "><b" + ManyAttributes(count) + "/></a>")) << count;
+    for (const int twice : {0, count / 2, count - 1}) {
+      EXPECT_EQ("fatal Attribute appears twice @1",
+                LastEvent(tag + " A" + std::to_string(twice) + "='x'/>"))
+          << count << " " << twice;
+    }
+  }
+}
+
+// A reader that takes the text in place.
+TEST(TXmlParser, TellsTagsAndTextInPlaceInTheOrderOfTheDocument) {
+  class TInPlace : public TRecorder {
+   protected:
+    void StartTag(std::string_view name, const TAttributes& attributes) override {
+      EXPECT_EQ(name, name.data());
+      std::string event = "tag " + std::string(name);
+      for (const TAttribute& attribute : attributes) {
+        event += " " + std::string(attribute.name) + "=" + std::string(attribute.value);
+      }
+      Tell(event);
+    }
+    void TextRun(std::string_view text) override { Tell("run " + std::string(text)); }
+  };
+  TInPlace reader;
+  reader.fAsksLines = false;
+  EXPECT_THAT(reader.Read("<r Y='1' X='\"'>t&lt;u<e/></r>"),
+              ElementsAre("tag r y=1 x=\"", "run t", "text <", "run u", "tag e", "end e", "end r"));
+}
+
 TEST(TXmlParser, TakesTimeInProportionToTheDocument) {
   const auto repeat = [](const std::string& text, int count) {
     std::string result;
@@ -535,6 +574,7 @@ TEST(TXmlParser, TakesTimeInProportionToTheDocument) {
       "<a>" + repeat("\n<b\n/>", 300000) + "</a>",  // every callback asks for its line
       "<a>" + repeat("&amp;\n", 300000) + "</a>",
       "<a x='" + repeat("\"", 3000000),
+      "<a" + ManyAttributes(300000) + "/>",
       repeat("<a x='", 300000),
       "<?xml?>" + repeat("<!--", 300000),
       "<a>&#" + repeat("9", 3000000),
