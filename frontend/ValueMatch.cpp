@@ -183,8 +183,9 @@ bool IsSame(const TCIMValue& a, const TCIMValue& b, const TRedactedProperties& r
 TCIMValue ValueIn(TContainer& container, const TCIMValue& value) {
   if (value.IsNull() || !(value.IsReference() || value.IsArray())) return value;
   if (value.IsReference()) return ReferenceIn(container, value);
-  std::vector<TCIMValue> elements;
   const std::vector<TCIMValue>& foreign = value;
+  std::vector<TCIMValue> elements;
+  elements.reserve(foreign.size());
   for (const TCIMValue& element : foreign) elements.push_back(ValueIn(container, element));
   return {value.GetType(), value.GetMaxArraySize(), elements};
 }
