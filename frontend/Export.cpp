@@ -54,19 +54,20 @@ ordered_json PluginJson(const TCIMInstance& status) {
   return plugin;
 }
 
+// All but the classes.
 ordered_json DocumentJson(const TInventory& inventory) {
   ordered_json document = {
-      {"format",   "zel-collection"      },
-      {"version",  1                     },
-      {"zel",      ZEL_VERSION           },
-      {"source",   inventory.GetTitle()  },
-      {"partial",  inventory.IsPartial() },
-      {"redacted", inventory.IsRedacted()},
-      {"plugins",  ordered_json::array() }
+      {"format",  "zel-collection"    },
+      {"version", 1                   },
+      {"zel",     ZEL_VERSION         },
+      {"source",  inventory.GetTitle()}
   };
-  const TCIMProperty* start =
-      inventory.GetRun() ? inventory.GetRun()->FindProperty("StartTime") : nullptr;
+  const TCIMInstance* run = inventory.GetRun();
+  const TCIMProperty* start = run ? run->FindProperty("StartTime") : nullptr;
   if (start && !start->GetValue().IsNull()) document["start"] = ValueJson(start->GetValue());
+  document["partial"] = inventory.IsPartial();
+  document["redacted"] = inventory.IsRedacted();
+  document["plugins"] = ordered_json::array();
   for (const TCIMInstance* status : inventory.GetStatuses()) {
     document["plugins"].push_back(PluginJson(*status));
   }

@@ -43,13 +43,12 @@ class TGetCommand : public TCommand {
  private:
   // [FILE] CLASS.PROPERTY
   void TakeArguments() {
-    if (fArguments.size() > 1) {
-      fFile = fArguments.front();
-      fArguments.erase(fArguments.begin());
-    }
-    const std::string name = fArguments.size() == 1 ? fArguments.front() : "";
-    const std::size_t point = name.rfind('.');
-    if (point == std::string::npos || point == 0 || point + 1 == name.size()) {
+    const std::size_t point = fArguments.empty() ? std::string::npos : fArguments.back().rfind('.');
+    std::vector<std::string> last;
+    if (!fArguments.empty()) last.push_back(fArguments.back());
+    const bool isFile = fArguments.size() == 1 && !TakeFile(last).empty();
+    if (fArguments.size() > 2 || isFile || point == std::string::npos || point == 0 ||
+        point + 1 == fArguments.back().size()) {
       throw TCommandError(
           kExitUsage,
           Printable(fmt::format(
@@ -57,8 +56,9 @@ class TGetCommand : public TCommand {
               "lists them",
               fmt::join(fArguments, " "))));
     }
-    fClass = name.substr(0, point);
-    fProperty = name.substr(point + 1);
+    if (fArguments.size() == 2) fFile = fArguments.front();
+    fClass = fArguments.back().substr(0, point);
+    fProperty = fArguments.back().substr(point + 1);
   }
 
   // Whether there is a value.

@@ -36,7 +36,7 @@ std::vector<std::string> NearMatches(const std::string& name,
                                      const std::vector<std::string>& candidates) {
   if (name.empty() || name.size() > kLongest) return {};
   const std::string wanted = LowerCase(name);
-  const std::size_t farthest = wanted.size() / 4 + 1;
+  const std::size_t farthest = std::max<std::size_t>(2, wanted.size() / 4);
   std::vector<std::pair<std::size_t, std::string>> near;
   for (const std::string& candidate : candidates) {
     const std::string lower = LowerCase(candidate);

@@ -33,16 +33,17 @@ void RequireProperty(const std::vector<TSelection>& selections, const std::strin
     }
   }
   if (selections.empty()) return;
-  constexpr std::size_t kOneLine = 40;
+  constexpr std::size_t kOneLine = 40;  // more names are no help
   const std::vector<std::string> names(all.begin(), all.end());
-  const bool isOne = selections.size() == 1;
-  const std::string where = isOne ? selections.front().cls->GetName() : "any of the classes";
-  const std::string there = names.size() <= kOneLine
-                                ? fmt::format("; there are {}", fmt::join(names, ", "))
-                                : fmt::format("{} 'zel schema {}' lists them",
-                                              names.empty() ? ";" : "", isOne ? where : "CLASS");
-  throw TCommandError(kExitUsage, Printable(fmt::format("no property '{}' in {}{}{}", name, where,
-                                                        DidYouMean(name, names), there)));
+  const std::string where =
+      selections.size() == 1 ? selections.front().cls->GetName() : "any of the classes";
+  const std::string meant = DidYouMean(name, names);
+  throw TCommandError(
+      kExitUsage, Printable(fmt::format(
+                      "no property '{}' in {}{} {}", name, where, meant.empty() ? ";" : meant,
+                      names.size() <= kOneLine ? fmt::format("there are {}", fmt::join(names, ", "))
+                                               : fmt::format("'zel schema {}' lists them",
+                                                             selections.front().cls->GetName()))));
 }
 
 bool Fulfils(const TCIMInstance& instance, const TCondition& condition) {

@@ -87,11 +87,11 @@ std::vector<std::string> ShownTexts(const TCIMProperty& property, const TCIMValu
   // The library's datetimes lack the time zone.
   if (type == TType::TypeDateTime) return bare;
   std::vector<std::string> texts = LibraryTexts(property, show);
-  if (texts.size() != bare.size()) return bare;
+  if (texts.size() != bare.size()) texts = bare;
   const bool isNumeric = TType::TypeUint8 <= type && type <= TType::TypeReal64;
   for (std::size_t i = 0; i < texts.size(); ++i) {
     texts[i] = Trimmed(Printable(texts[i]));
-    if (!isNumeric) continue;
+    if (!isNumeric || bare[i].empty()) continue;
     const bool isBare = texts[i] == bare[i] || texts[i].empty();  // empty: a duration of nothing
     const std::string unit =
         isBare ? TextOf(property.GetDeclaration()->FindQualifier("UNITS")) : "";
