@@ -78,7 +78,7 @@ void PrintTable(const TSelection& selection, const TPresentation& presentation, 
   const std::size_t hidden = table.Print(out, presentation.terminal);
   if (hidden > 0) {
     const std::string note =
-        fmt::format("({} more column{}; --format list shows all)", hidden, hidden == 1 ? "" : "s");
+        fmt::format("({} more column{} in --format list)", hidden, hidden == 1 ? "" : "s");
     out << "  " << Styled(TLook::kMissing, note, presentation.terminal) << "\n";
   }
   out << "\n";

@@ -439,7 +439,7 @@ TEST(Show, FitsATerminal) {
       "  Id  Model name          Size          Speed  Kind\n"
       "  d1  Größe \"1\"    2 Megabytes        100 MHz  Fast\n"
       "  d2  日本, \\x1Bx  8 Petabytes  not available  9\n"
-      "  (2 more columns; --format list shows all)\n"
+      "  (2 more columns in --format list)\n"
       "\n",
       OnTerminal(arguments, {false, 60}));
   EXPECT_THAT(OnTerminal(arguments, {true, 80}),
