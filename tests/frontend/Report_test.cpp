@@ -164,7 +164,7 @@ TEST(Report, ShowsHostileTextsAsTexts) {
   EXPECT_EQ(0u, Count(body, "\xff"));
   EXPECT_EQ(0u, Count(body, "onload=\"x"));
   EXPECT_THAT(body, HasSubstr("<h1>&lt;script&gt;alert(1)&lt;/script&gt;&quot; onload=&quot;x "
-                              "\\x1B[2J \uFFFD\uFFFD</h1>"));
+                              "\\x1B[2J \\xFF\\xFE</h1>"));
   EXPECT_THAT(page, HasSubstr("<title>&lt;script&gt;"));
 }
 
