@@ -115,19 +115,13 @@ std::string Plain(const std::string& text) {
   return Printable(escaped);
 }
 
-std::string PlainJoined(const std::vector<std::string>& texts, const char* between) {
-  std::vector<std::string> plain;
-  for (const std::string& text : texts) plain.push_back(Plain(text));
-  return Joined(plain, between);
-}
-
 // Names of classes and properties hold nothing that Markdown minds in code.
 std::string Code(const std::string& name) { return "`" + Printable(name) + "`"; }
 
-std::string CodeJoined(const std::vector<std::string>& names) {
-  std::vector<std::string> code;
-  for (const std::string& name : names) code.push_back(Code(name));
-  return Joined(code);
+std::string JoinedAs(std::string (*form)(const std::string&), std::vector<std::string> texts,
+                     const char* between = ", ") {
+  std::transform(texts.begin(), texts.end(), texts.begin(), form);
+  return Joined(texts, between);
 }
 
 void MarkdownProperty(const TPropertySheet& property, std::ostream& out) {
@@ -138,8 +132,8 @@ void MarkdownProperty(const TPropertySheet& property, std::ostream& out) {
   add("", Plain(property.description));
   std::vector<std::string> values;
   for (const auto& [code, meaning] : property.values) values.push_back(code + " = " + meaning);
-  add("Values: ", PlainJoined(values, ", "));
-  add("Source: ", PlainJoined(property.sources, "; "));
+  add("Values: ", JoinedAs(Plain, values));
+  add("Source: ", JoinedAs(Plain, property.sources, "; "));
   add("From ", property.inheritedFrom.empty() ? "" : Code(property.inheritedFrom));
   out << fmt::format("| {} | {} | {} | {} | {} |\n", Code(property.name), Plain(TypeText(property)),
                      Plain(property.units), Joined(FlagsOf(property)), Joined(about, "<br>"));
@@ -154,9 +148,9 @@ void MarkdownClass(const TClassSheet& cls, std::ostream& out) {
   };
   add("Kind", KindText(cls));
   add("Plug-in", Plain(cls.plugin));
-  add("Superclasses", CodeJoined(cls.superclasses));
-  add("Subclasses", CodeJoined(cls.subclasses));
-  add("Keys", CodeJoined(cls.keys));
+  add("Superclasses", JoinedAs(Code, cls.superclasses));
+  add("Subclasses", JoinedAs(Code, cls.subclasses));
+  add("Keys", JoinedAs(Code, cls.keys));
   if (!facts.empty()) out << "\n" << Joined(facts, "");
   if (cls.properties.empty()) return;
   out << "\n| Property | Type | Units | Flags | About |\n|---|---|---|---|---|\n";

@@ -83,7 +83,7 @@ for page in "$made"/man1/*.1; do
   name=$(basename "$page" .1)
   command=${name#zel}
   text=$(mandoc -T ascii "$page" | col -b)
-  "$zel" ${command:+"${command#-}"} --help | grep -oE -- ' --[a-z-]+' | sort -u |
+  "$zel" ${command:+"${command#-}"} --help | { grep -oE -- ' --[a-z-]+' || true; } | sort -u |
     while read -r option; do
       grep -qF -- "$option" <<<"$text" || { echo "$name(1) lacks $option"; exit 1; }
     done || wrong=1
