@@ -30,6 +30,13 @@ std::size_t Distance(const std::string& a, const std::string& b) {
   return row.back();
 }
 
+// Whether `text` has the letters of `part` in their order: "maxspeed" in "maxclockspeed".
+bool Holds(const std::string& text, const std::string& part) {
+  std::size_t found = 0;
+  for (const char c : text) found += found < part.size() && c == part[found] ? 1 : 0;
+  return found == part.size();
+}
+
 }  // namespace
 
 std::vector<std::string> NearMatches(const std::string& name,
@@ -40,7 +47,8 @@ std::vector<std::string> NearMatches(const std::string& name,
   std::vector<std::pair<std::size_t, std::string>> near;
   for (const std::string& candidate : candidates) {
     const std::string lower = LowerCase(candidate);
-    const bool isPart = wanted.size() > 2 && lower.find(wanted) != std::string::npos;
+    const bool isPart = (wanted.size() > 2 && lower.find(wanted) != std::string::npos) ||
+                        (wanted.size() > 4 && Holds(lower, wanted));
     const std::size_t distance = isPart ? 0 : Distance(wanted, lower);
     if (distance <= farthest && distance < wanted.size()) near.emplace_back(distance, candidate);
   }

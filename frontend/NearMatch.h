@@ -5,8 +5,8 @@
 
 namespace zel {
 
-// What somebody who wrote `name` may have meant: at most three of `candidates`, those that hold it
-// and those that differ in a few letters, the nearest first.
+// What somebody who wrote `name` may have meant: at most three of `candidates`, those that hold it,
+// be it with more letters between, and those that differ in a few letters, the nearest first.
 std::vector<std::string> NearMatches(const std::string& name,
                                      const std::vector<std::string>& candidates);
 

@@ -217,7 +217,7 @@ void PrintContents(const TInventory& inventory, std::ostream& out, const TTermin
       fmt::format("{}: {} with instances", Printable(inventory.GetTitle()),
                   classes == 1 ? "1 class" : fmt::format("{} classes", classes));
   out << Styled(TLook::kHeading, heading, terminal) << "\n";
-  table.Print(out, terminal);
+  if (classes > 0) table.Print(out, terminal);
 }
 
 }  // namespace

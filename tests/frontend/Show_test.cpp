@@ -238,6 +238,8 @@ TEST(Show, CountsTheClassesOfADocumentThatTellsOfNoMachine) {
                 "  Acme_Holds          1\n"
                 "  Acme_Plain          2\n",
             result.out);
+  const std::string none = file.WriteFile("none.xml", OnBase(document::ShowClasses()));
+  EXPECT_EQ(none + ": 0 classes with instances\n", Zel({"show", "--base", kBase, none}).out);
 }
 
 TEST(Show, WritesJson) {

@@ -164,13 +164,14 @@ TEST(NearMatches, AreTheNearestFirst) {
     const char* name;
     const char* near;
   } rows[] = {
-      {"speed",   "CurrentClockSpeed MaxClockSpeed Speed "},
-      {"Sped",    "Speed "                                },
-      {"Sise",    "Size "                                 },
-      {"Nmae",    "Name "                                 },
-      {"x",       ""                                      },
-      {"",        ""                                      },
-      {"Voltage", ""                                      },
+      {"speed",    "CurrentClockSpeed MaxClockSpeed Speed "},
+      {"Sped",     "Speed "                                },
+      {"MaxSpeed", "MaxClockSpeed "                        },
+      {"Sise",     "Size "                                 },
+      {"Nmae",     "Name "                                 },
+      {"x",        ""                                      },
+      {"",         ""                                      },
+      {"Voltage",  ""                                      },
   };
   for (const auto& row : rows) {
     std::string near;
