@@ -131,9 +131,9 @@ class TComparer {
   bool MayCompare(const TCIMClass* old, const TCIMClass* cls) {
     const std::string before = WhyUnknown(fBefore, old);
     const std::string after = WhyUnknown(fAfter, cls);
-    if (before.empty() && after.empty()) return HasSameKeys(*old, *cls);
-    if (before.empty() && MayTell(fBefore, *old)) AddNotCompared(*old, after);
-    if (after.empty() && MayTell(fAfter, *cls)) AddNotCompared(*cls, before);
+    if (old && cls && before.empty() && after.empty()) return HasSameKeys(*old, *cls);
+    if (old && before.empty() && MayTell(fBefore, *old)) AddNotCompared(*old, after);
+    if (cls && after.empty() && MayTell(fAfter, *cls)) AddNotCompared(*cls, before);
     return false;
   }
 
