@@ -141,6 +141,8 @@ void TDocumentCheck::CData() {
   fHasEnded = true;
 }
 
+void TDocumentCheck::Nesting() { Add(TRule::kNesting, GetLine()); }
+
 void TDocumentCheck::InternalSubset() { Add(TRule::kDocTypeSubset, GetLine()); }
 
 void TDocumentCheck::StartQualifierDeclaration(TElement& element, const TAttributes& attributes) {
@@ -178,10 +180,18 @@ void TDocumentCheck::StartInstanceName(TElement& element, const TAttributes& att
   const std::string name = TextOf(attributes, "classname");
   element.where = Excerpt(name);
   element.cls = FindClass(fContainer, name);
-  element.type = TType::TypeNone;
-  if (!element.cls) return;
-  const std::vector<std::string> keys = element.cls->EnumerateKeyNames();
-  if (keys.size() == 1) element.type = ElementType(FindDecl(element.cls, keys[0])->GetType());
+  element.type = SoleKeyType(element.cls);
+}
+
+// Of a class with one key, whose KEYVALUE needs no name.
+TType::ECIMType TDocumentCheck::SoleKeyType(const TCIMClass* cls) {
+  if (!cls) return TType::TypeNone;
+  const auto [place, isNew] = fSoleKeyTypes.emplace(cls, TType::TypeNone);
+  if (isNew) {
+    const std::vector<std::string> keys = cls->EnumerateKeyNames();
+    if (keys.size() == 1) place->second = ElementType(FindDecl(cls, keys[0])->GetType());
+  }
+  return place->second;
 }
 
 void TDocumentCheck::StartKeyBinding(TElement& element, const TAttributes& attributes) {

@@ -2,6 +2,7 @@
 
 #include <cstddef>
 #include <initializer_list>
+#include <map>
 #include <set>
 #include <string>
 #include <string_view>
@@ -41,6 +42,7 @@ class TDocumentCheck : public TStrictReader {
   void CharacterReference(std::string_view reference) override;
   void Encoding(const std::string& name) override;
   void CData() override;
+  void Nesting() override;
   void InternalSubset() override;
 
  private:
@@ -89,6 +91,7 @@ class TDocumentCheck : public TStrictReader {
   void EndValue(const TElement& element);
   void EndKeyValue(const TElement& element);
 
+  TType::ECIMType SoleKeyType(const TCIMClass* cls);
   void CheckShape(TElement& element, TShape shape);
   void CheckAttributes(const TElement& element, const TAttributes& attributes,
                        std::initializer_list<const char*> names, TType type);
@@ -101,8 +104,9 @@ class TDocumentCheck : public TStrictReader {
   TCounts fCounts;
   std::vector<TElement> fOpen;
   std::set<std::string> fGiven;  // the properties of the instance, in lower case
-  std::string fText;             // of the innermost element, since its last child
-  bool fHasEnded = false;        // for the reader, which has stopped
+  std::map<const TCIMClass*, TType::ECIMType> fSoleKeyTypes;
+  std::string fText;       // of the innermost element, since its last child
+  bool fHasEnded = false;  // for the reader, which has stopped
 };
 
 }  // namespace zel

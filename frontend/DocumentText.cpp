@@ -51,6 +51,7 @@ class TKeySearch : public TStrictReader {
   void CharacterReference(std::string_view) override {}
   void Encoding(const std::string&) override {}
   void CData() override {}
+  void Nesting() override {}
   void InternalSubset() override {}
 
  private:

@@ -69,6 +69,8 @@ constexpr TRow kRows[] = {
      "{}: is declared as {}, so this is read as NULL"                                                                             },
     {TRule::kDuplicateProperty,  "duplicate-property",  kWarning,
      "{}: is given more than once; the last value counts"                                                                         },
+    {TRule::kNesting,            "nesting",             kWarning,
+     "more than 1000 elements inside each other; not checked any further"                                                         },
 };
 
 constexpr bool AreInOrder() {
@@ -76,7 +78,7 @@ constexpr bool AreInOrder() {
   for (const TRow& row : kRows) {
     if (row.rule != static_cast<TRule>(place++)) return false;
   }
-  return place == static_cast<std::size_t>(TRule::kDuplicateProperty) + 1;
+  return place == static_cast<std::size_t>(TRule::kNesting) + 1;
 }
 static_assert(AreInOrder());
 

@@ -37,6 +37,7 @@ enum class TRule {
   kKeyLost,
   kQualifierShape,
   kDuplicateProperty,
+  kNesting,
 };
 
 enum class TSeverity { kNote, kWarning, kError };

@@ -9,6 +9,8 @@
 namespace zel {
 namespace {
 
+constexpr std::size_t kMaxDepth = 1000;
+
 std::string Lower(const char* text) {
   std::string lower = text;
   for (char& c : lower) {
@@ -35,6 +37,10 @@ struct TStrictReader::TCallbacks {
 
   static void Start(void* self, const char* name, const char** pairs) {
     Guard(self, [&](TStrictReader& reader) {
+      if (reader.fDepth == kMaxDepth) {
+        reader.Nesting();
+        return reader.Stop();
+      }
       TAttributes attributes;
       for (; *pairs; pairs += 2) attributes.emplace_back(Lower(pairs[0]), pairs[1]);
       reader.fPlace = TPlace::kContent;

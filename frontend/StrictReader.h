@@ -38,6 +38,7 @@ class TStrictReader {
   // Reads `text`, once. What is not `whole` may end anywhere. No fault: it was read to its end, or
   // up to a call of Stop().
   std::optional<TFault> Read(std::string_view text, bool isWhole);
+  bool HasStopped() const { return fIsStopped; }
 
  protected:
   virtual void StartElement(const std::string& name, const TAttributes& attributes) = 0;
@@ -48,6 +49,8 @@ class TStrictReader {
   virtual void CharacterReference(std::string_view reference) = 0;
   virtual void Encoding(const std::string& name) = 0;
   virtual void CData() = 0;
+  // More than a thousand elements are open, which takes expat's memory; the reading ends.
+  virtual void Nesting() = 0;
   // A DOCTYPE with declarations in brackets; the reading ends.
   virtual void InternalSubset() = 0;
 

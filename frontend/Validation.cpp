@@ -153,7 +153,8 @@ std::optional<TCounts> CheckText(std::string_view text, TContainer& container,
   TDocumentCheck check(container, findings);
   const auto fault = check.Read(seen, seen.size() == text.size());
   if (fault) AddFault(seen, *fault, findings);
-  if (fault && fault->place != TStrictReader::TPlace::kEpilog) return std::nullopt;
+  const bool isTorn = fault && fault->place != TStrictReader::TPlace::kEpilog;
+  if (isTorn || check.HasStopped()) return std::nullopt;
   return check.GetCounts();
 }
 

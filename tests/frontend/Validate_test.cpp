@@ -479,11 +479,20 @@ TEST_F(Validate, ReadsGzipByTheReadersRules) {
 }
 
 TEST_F(Validate, SurvivesHostileDocuments) {
-  std::string deep = "<CIM CIMVERSION=\"2.0\" DTDVERSION=\"2.0\"><DECLARATION>";
-  for (int i = 0; i < 300000; ++i)
-    deep += "<INSTANCENAME CLASSNAME=\"" + std::string(9, 'x') + "\">";
-  EXPECT_THAT(Lines(deep, 4, "t.xml", {"--base", kBase}),
-              HasSubstr("no well-formed XML: no element found [not-well-formed]\n"));
+  std::string nested;
+  for (int i = 0; i < 994; ++i) nested += "<X>";
+  std::string closing;
+  for (int i = 0; i < 994; ++i) closing += "</X>";
+  TParts deep;
+  deep.inClass = "<METHOD NAME=\"M\">" + nested + closing + "</METHOD>";
+  EXPECT_EQ("FILE: clean: " + std::string(kAllRead) + "\n", Lines(Document(deep), 0));
+  deep.inClass = "<METHOD NAME=\"M\"><X>\n" + nested + closing + "</X></METHOD>";
+  EXPECT_EQ(
+      "FILE:11: warning: more than 1000 elements inside each other; not checked any further "
+      "[nesting]\n"
+      "FILE: 0 errors and 1 warning: " +
+          std::string(kAllRead) + "\n",
+      Lines(Document(deep), 4));
 
   // One byte more than what is read.
   const std::string path = fDir.PathOf("huge.xml");
