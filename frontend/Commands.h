@@ -1,6 +1,8 @@
 #pragma once
 
 #include <memory>
+#include <string>
+#include <vector>
 
 #include "frontend/ExitCode.h"
 #include "frontend/Streams.h"
@@ -21,8 +23,21 @@ class TCommand {
   virtual TExitCode Run(TStreams& streams) = 0;
 };
 
-// Each in the source that is named like it; what they do and how they are used stands in the table
-// in Main.cpp.
+// All that is said of a command. What its options are, it says itself when it is made.
+struct TCommandRow {
+  std::string name;
+  std::string text;  // in one line of the help
+  std::vector<std::string> examples;
+  std::string details;  // for the manual page; an empty line between paragraphs
+  std::unique_ptr<TCommand> (*make)(CLI::App& options);  // null for `help`, which is Main's own
+};
+
+// In the order of the help.
+const std::vector<TCommandRow>& AllCommands();
+// Null when there is none of that name.
+const TCommandRow* FindCommand(const std::string& name);
+
+// Each in the source that is named like it.
 std::unique_ptr<TCommand> MakeCollectCommand(CLI::App& options);
 std::unique_ptr<TCommand> MakeShowCommand(CLI::App& options);
 std::unique_ptr<TCommand> MakeGetCommand(CLI::App& options);

@@ -32,75 +32,17 @@ std::string ExitCodesText() {
   return text + ".";
 }
 
-struct TCommandRow {
-  const char* name;
-  const char* text;
-  std::vector<std::string> examples;
-  std::unique_ptr<TCommand> (*make)(CLI::App& options);
-};
-
-// In the order of the help.
-const std::vector<TCommandRow> kCommands = {
-    {"collect",
-     "Collect this machine: print a summary or all of some classes, or save it",           {"zel collect -o web01.xml.gz",
-      "zel collect --class KVRSG_Processor KVRSG_Memory --format json"},
-     MakeCollectCommand   },
-    {"show",
-     "Show a saved collection or this machine: a summary, or classes as tables",           {"zel show machine.xml.gz", "zel show machine.xml.gz Processors --format json --text"},
-     MakeShowCommand      },
-    {"get",
-     "Print the bare values of a property",                                                {"zel get KVRSG_Processor.MaxClockSpeed",
-      "zel get machine.xml.gz KVRSG_ComputerSystem.SerialNumber"},
-     MakeGetCommand       },
-    {"tree",
-     "Show what the system consists of, as a tree",                                        {"zel tree", "zel tree server.xml.gz --from KVRSG_Processor --depth 2"},
-     MakeTreeCommand      },
-    {"diff",
-     "Tell what has changed since a saved collection, or between two",                     {"zel diff server.xml.gz", "zel diff before.xml.gz after.xml.gz --class Memory"},
-     MakeDiffCommand      },
-    {"report",
-     "Write a collection as one HTML page",                                                {"zel report -o machine.html", "zel report new.xml.gz --diff old.xml.gz -o changes.html"},
-     MakeReportCommand    },
-    {"upload",
-     "Send a saved collection to an FTP server",                                           {"zel upload web01.xml.gz --to ftp://ftp.example.org/incoming/ --dry-run",
-      "zel upload web01.xml.gz --to ftp://ftp.example.org/incoming/ --name rack7"},
-     MakeUploadCommand    },
-    {"schema",
-     "List the classes, or describe some with all their properties",                       {"zel schema", "zel schema KVRSG_Processor --format md"},
-     MakeSchemaCommand    },
-    {"plugins",
-     "List the plug-ins, their classes, and why one does not load",                        {"zel plugins", "zel plugins --plugin-dir /opt/acme/plugins"},
-     MakePluginsCommand   },
-    {"validate",
-     "Check a CIM-XML document, and tell what would be read otherwise than it is written", {"zel validate acme.properties.xml", "zel validate host.xml.gz --format json"},
-     MakeValidateCommand  },
-    {"completion",
-     "Write the completion of a shell",                                                    {"source <(zel completion bash)", "zel completion fish > ~/.config/fish/completions/zel.fish"},
-     MakeCompletionCommand},
-};
-
 // Help that opens with examples.
 class TFormatter : public CLI::Formatter {
  public:
-  void AddExamples(const std::string& command, const std::vector<std::string>& examples) {
-    fExamples[command] = examples;
-  }
-
-  const std::vector<std::string>& GetExamples(const std::string& command) const {
-    return fExamples.at(command);
-  }
-
   std::string make_description(const CLI::App* app) const override {
     std::string text = app->get_description() + ".\n\n";
-    const auto found = fExamples.find(app->get_name());
-    if (found == fExamples.end()) return text;
+    const TCommandRow* command = FindCommand(app->get_name());
+    if (!command) return text;
     text += "Examples:\n";
-    for (const std::string& example : found->second) text += "  " + example + "\n";
+    for (const std::string& example : command->examples) text += "  " + example + "\n";
     return text + "\n";
   }
-
- private:
-  std::map<std::string, std::vector<std::string>> fExamples;
 };
 
 // The command line, and the commands that stand on it.
@@ -113,12 +55,14 @@ class TCommandLine {
     fApp.footer(ExitCodesText());
     fApp.require_subcommand(1);
     fApp.formatter(fFormatter);
-    for (const TCommandRow& row : kCommands) {
-      fCommands[row.name] = row.make(*AddCommand(row.name, row.text, row.examples));
+    for (const TCommandRow& row : AllCommands()) {
+      CLI::App& command = *fApp.add_subcommand(row.name, row.text);
+      if (row.make) {
+        fCommands[row.name] = row.make(command);
+      } else {
+        AddHelpOptions(command);
+      }
     }
-    CLI::App* help = AddCommand("help", "Explain a command", {"zel help", "zel help collect"});
-    help->add_option("COMMAND", fTopic, "The command to explain");
-    help->add_flag("--man", fAsManual, "As a manual page, for man(1)");
   }
 
   CLI::App& App() { return fApp; }
@@ -129,23 +73,17 @@ class TCommandLine {
   }
 
  private:
-  CLI::App* AddCommand(const std::string& name, const std::string& text,
-                       const std::vector<std::string>& examples) {
-    fFormatter->AddExamples(name, examples);
-    return fApp.add_subcommand(name, text);
+  void AddHelpOptions(CLI::App& help) {
+    help.add_option("COMMAND", fTopic, "The command to explain");
+    help.add_flag("--man", fAsManual, "As a manual page, for man(1)");
   }
 
   TExitCode Help(std::ostream& out) {
-    const auto isTopic = [this](const CLI::App* command) { return command->get_name() == fTopic; };
-    const CLI::App* topic = &fApp;
-    if (!fTopic.empty()) {
-      const auto found = fApp.get_subcommands(isTopic);
-      if (found.empty()) {
-        throw TCommandError(kExitUsage,
-                            fmt::format("no command '{}'; 'zel help' lists them", fTopic));
-      }
-      topic = found.front();
+    if (!fTopic.empty() && !FindCommand(fTopic)) {
+      throw TCommandError(kExitUsage,
+                          fmt::format("no command '{}'; 'zel help' lists them", fTopic));
     }
+    const CLI::App* topic = fTopic.empty() ? &fApp : fApp.get_subcommand(fTopic);
     if (fAsManual) {
       WriteManual(*topic, out);
       return kExitDone;
@@ -156,13 +94,11 @@ class TCommandLine {
   }
 
   void WriteManual(const CLI::App& topic, std::ostream& out) const {
-    const std::vector<TCommandTable> commands = CommandsOf(fApp);
     if (&topic == &fApp) {
-      zel::WriteManual(fApp.get_description(), OptionsOf(fApp), commands, out);
-      return;
+      zel::WriteManual(fApp.get_description(), OptionsOf(fApp), out);
+    } else {
+      zel::WriteManual(*FindCommand(fTopic), OptionsOf(topic), out);
     }
-    const TCommandTable command = {fTopic, topic.get_description(), OptionsOf(topic)};
-    zel::WriteManual(command, fFormatter->GetExamples(fTopic), commands, out);
   }
 
   std::shared_ptr<TFormatter> fFormatter;

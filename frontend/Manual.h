@@ -8,14 +8,16 @@
 
 namespace zel {
 
-// Manual pages, as roff for man(7), from the table of options.
+struct TCommandRow;
 
-// zel(1): all commands.
+// Manual pages, as roff for man(7).
+
+// zel(1), with all commands; `options` are the program's own.
 void WriteManual(const std::string& text, const std::vector<TOptionRow>& options,
-                 const std::vector<TCommandTable>& commands, std::ostream& out);
+                 std::ostream& out);
 
 // zel-COMMAND(1).
-void WriteManual(const TCommandTable& command, const std::vector<std::string>& examples,
-                 const std::vector<TCommandTable>& commands, std::ostream& out);
+void WriteManual(const TCommandRow& command, const std::vector<TOptionRow>& options,
+                 std::ostream& out);
 
 }  // namespace zel

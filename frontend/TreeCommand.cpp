@@ -81,7 +81,7 @@ class TTreeCommand : public TCommand {
     options.add_option("FILE", fFile, "A saved collection; this machine when it is not given")
         ->type_name("FILE");
     options.add_option("--from", fFrom, "Start with this instance, or with those of this class")
-        ->type_name("PATH|CLASS");
+        ->type_name("PATH");
     options.add_option("--depth", fTree.depth, "Show this many levels below the first")
         ->check(CLI::Range(0u, kDeepest).description(""))
         ->type_name("N");
