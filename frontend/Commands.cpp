@@ -24,8 +24,9 @@ const std::vector<TCommandRow>& AllCommands() {
        "Shows a saved collection, or this machine when no file is named: a summary, or "
        "the classes and sections that are named. An argument that is there as a file, "
        "holds a slash, or ends in .xml or .gz is the file; a dash is standard input.\n\n"
-       "Tables have the columns that the schema names, lists have every property. Values "
-       "have their units and words unless they are wanted raw.",
+       "Tables and lists have the columns that the schema names, or every property on request. "
+       "Values have their units and words unless they are wanted raw. JSON and CSV have every "
+       "property, raw.",
        MakeShowCommand},
       {"get", "Print the bare values of a property",
        {"zel get KVRSG_Processor.MaxClockSpeed",

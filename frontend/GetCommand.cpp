@@ -16,7 +16,8 @@ class TGetCommand : public TCommand {
  public:
   explicit TGetCommand(CLI::App& options) {
     AddFileAndNames(options, fArguments, "CLASS.PROPERTY",
-                    "The property; of the class and its subclasses");
+                    "The property; of the class and its subclasses")
+        ->expected(1);
     options.add_flag("--text", fText, "With units and value maps");
     AddConditions(options, fConditions);
     AddCollectionOptions(options, fOptions);

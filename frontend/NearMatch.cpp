@@ -56,6 +56,7 @@ std::vector<std::string> NearMatches(const std::string& name,
                    [](const auto& a, const auto& b) { return a.first < b.first; });
   near.resize(std::min(near.size(), kMost));
   std::vector<std::string> names;
+  names.reserve(near.size());
   for (auto& row : near) names.push_back(std::move(row.second));
   return names;
 }

@@ -43,15 +43,15 @@ void AddRedactOption(CLI::App& command, bool& redact) {
   command.add_flag("--redact", redact, "Hide names, serial numbers and what else is sensitive");
 }
 
-void AddFileAndNames(CLI::App& command, std::vector<std::string>& arguments,
-                     const std::string& name, const std::string& text) {
+CLI::Option* AddFileAndNames(CLI::App& command, std::vector<std::string>& arguments,
+                             const std::string& name, const std::string& text) {
   command
       .add_option_function<std::string>(
           "FILE",
           [&arguments](const std::string& first) { arguments.insert(arguments.begin(), first); },
           "A saved collection, - for standard input; without it, this machine")
       ->type_name("");
-  command
+  return command
       .add_option_function<std::vector<std::string>>(
           name,
           [&arguments](const std::vector<std::string>& rest) {

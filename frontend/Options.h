@@ -23,9 +23,10 @@ void AddSeconds(CLI::App& command, const std::string& name, std::chrono::millise
 // --redact
 void AddRedactOption(CLI::App& command, bool& redact);
 
-// [FILE] [NAME...]: all of them go to `arguments`, from which TakeFile() takes the first.
-void AddFileAndNames(CLI::App& command, std::vector<std::string>& arguments,
-                     const std::string& name, const std::string& text);
+// [FILE] [NAME...]: all of them go to `arguments`, from which TakeFile() takes the first. Returns
+// the option of the names.
+CLI::Option* AddFileAndNames(CLI::App& command, std::vector<std::string>& arguments,
+                             const std::string& name, const std::string& text);
 
 // --where
 void AddConditions(CLI::App& command, std::vector<TCondition>& conditions);

@@ -90,6 +90,7 @@ bool TellsApart(const TSelection& selection, const TCIMPropertyDecl& property) {
 template <class TRank>
 void SortBy(std::vector<const TCIMPropertyDecl*>& properties, const TRank& rankOf) {
   std::vector<std::pair<decltype(rankOf(*properties[0])), const TCIMPropertyDecl*>> ranked;
+  ranked.reserve(properties.size());
   for (const TCIMPropertyDecl* property : properties)
     ranked.emplace_back(rankOf(*property), property);
   std::stable_sort(ranked.begin(), ranked.end(),

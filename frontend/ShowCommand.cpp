@@ -30,6 +30,7 @@ void RequireOne(const std::vector<TCIMClass*>& classes) {
   if (classes.size() == 1) return;
   constexpr std::size_t kOneLine = 10;
   std::vector<std::string> names;
+  names.reserve(classes.size());
   for (const TCIMClass* cls : classes) names.push_back(cls->GetName());
   const bool isShort = !names.empty() && names.size() <= kOneLine;
   throw TCommandError(kExitUsage,

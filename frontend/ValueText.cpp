@@ -160,6 +160,7 @@ std::vector<std::string> RawTexts(const TCIMValue& value) {
   if (!value.IsArray()) return {RawScalar(value)};
   const std::vector<TCIMValue>& elements = value;
   std::vector<std::string> texts;
+  texts.reserve(elements.size());
   for (const TCIMValue& element : elements) texts.push_back(RawScalar(element));
   return texts;
 }
