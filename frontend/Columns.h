@@ -10,11 +10,10 @@ namespace zel {
 
 // How the instances of a class stand in a table.
 struct TColumns {
-  // In the order of the COLUMN qualifiers; where a class has none, the keys that tell its instances
-  // apart.
-  std::vector<const TCIMPropertyDecl*> shown;
-  std::vector<const TCIMPropertyDecl*> rest;  // all others, in the order of the lower-case names
+  std::vector<const TCIMPropertyDecl*> shown;  // as KeepColumns() orders them
+  std::vector<const TCIMPropertyDecl*> rest;   // all others, in the order of the lower-case names
 };
+// Those of a class without COLUMN qualifiers are few enough for a page.
 TColumns ColumnsOf(const TCIMClass& cls);
 
 // Whether a key of this name says of which class and system an instance is, rather than which one

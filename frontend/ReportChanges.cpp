@@ -21,6 +21,7 @@ class TChangesWriter {
         "<th scope=\"col\">Property</th><th scope=\"col\">Before</th><th scope=\"col\">After</th>"
         "</tr></thead>\n",
         TitleOf(cls), differences.className);
+    fColumns = ColumnsOf(cls);
     for (const TChangedInstance& changed : differences.changed) WriteChanged(changed);
     for (const TCIMInstance* instance : differences.added) {
       WriteWhole("added", fAnchors.LinkTo(*instance), *instance);
@@ -56,17 +57,18 @@ class TChangesWriter {
   void WriteWhole(const char* change, const TMarkup& name, const TCIMInstance& instance) {
     OpenGroup(change, name, 1);
     std::string facts;
-    for (const TCIMPropertyDecl* decl : ColumnsOf(*instance.GetClass()).shown) {
-      const TCIMProperty& property = *instance.GetProperty(decl->GetName());
-      if (property.GetValue().IsNull()) continue;
-      facts +=
-          fmt::format("{}{} {}", facts.empty() ? "" : ", ", LabelOf(*decl), PropertyText(property));
+    for (const TCIMPropertyDecl* decl : fColumns.shown) {
+      const TCIMProperty* property = instance.FindProperty(decl->GetName());
+      if (!property || property->GetValue().IsNull()) continue;
+      facts += fmt::format("{}{} {}", facts.empty() ? "" : ", ", LabelOf(*decl),
+                           PropertyText(*property));
     }
     fOut << Markup("<td colspan=\"3\">{}</td></tr></tbody>\n", facts);
   }
 
   const TAnchors& fAnchors;
   std::ostream& fOut;
+  TColumns fColumns;  // of the class that is being written
 };
 
 const TCIMClass& ClassOf(const TClassDifferences& differences) {

@@ -9,16 +9,11 @@
   const kRows = 'main tbody, main .facts dl > div';
   const kHolders = 'main section, main .class, main .card, main .links, main .facts > details';
 
-  const textOf = (elements) =>
-      Array.from(elements, (element) => element.textContent).join('\n').toLowerCase();
-
   // The texts of a row begin with its heading: a search for a class finds its instances.
   const makeRow = (element) => {
-    const title = textOf(element.closest('.class, .card').querySelectorAll('h3'));
-    if (element.tagName === 'DIV') return {element, text: `${title}\n${textOf([element])}`};
-    const shown = `${title}\n${textOf(element.querySelectorAll('tr:not(.rest) > *'))}`;
-    const rest = element.querySelectorAll('.rest dt, .rest dd');
-    return {element, shown, text: `${shown}\n${textOf(rest)}`};
+    const title = element.closest('.class, .card').querySelector('h3').textContent;
+    const textOf = (part) => `${title}\n${part.textContent}`.toLowerCase();
+    return {element, text: textOf(element), shown: element.rows && textOf(element.rows[0])};
   };
 
   let rows;  // made when they are first needed

@@ -4,6 +4,7 @@ import html.parser
 import json
 import os
 import sys
+import time
 
 from selenium import webdriver
 from selenium.webdriver.chrome.service import Service
@@ -139,7 +140,7 @@ def search(text):
     query = find("#query")
     query.send_keys(Keys.ESCAPE, text)
     if text:
-        WebDriverWait(browser, 10).until(lambda _: find("#found").text.endswith(" match"))
+        WebDriverWait(browser, 30).until(lambda _: find("#found").text.endswith(" match"))
         run("return new Promise((done) => setTimeout(done, 200))")
     return find("#found").text
 
@@ -216,10 +217,10 @@ def check_links():
     link = "#class-KVRSG_AssociatedCacheMemory tbody"
     expect(shown(link) == 0, "links are folded away")
     run("location.hash = document.querySelector(arguments[0]).id", link)
-    WebDriverWait(browser, 10).until(lambda _: shown(link) > 0)
+    WebDriverWait(browser, 30).until(lambda _: shown(link) > 0)
     search("spectre")
     run("location.hash = 'KVRSG_Processor.CPU0'")
-    WebDriverWait(browser, 10).until(lambda _: shown("#KVRSG_Processor\\.CPU0") == 1)
+    WebDriverWait(browser, 30).until(lambda _: shown("#KVRSG_Processor\\.CPU0") == 1)
     expect(find("#found").text == "", "a link leads out of a search")
 
 
@@ -262,6 +263,16 @@ def check_looks():
         expect(needed <= pixels, "%d pixels are enough: %d" % (pixels, needed))
 
 
+def check_size():
+    browser.get(address)
+    run("""
+      const row = document.querySelector('#class-KVRSG_CacheMemory tbody');
+      for (let i = 0; i < 5000; ++i) row.after(row.cloneNode(true));""")
+    began = time.monotonic()
+    expect(search("l1d-0").startswith("5003 of "), "many are found: " + find("#found").text)
+    expect(time.monotonic() - began < 10, "in %.1f s" % (time.monotonic() - began))
+
+
 def check_without_scripts():
     width(1280)
     browser.execute_cdp_cmd("Emulation.setScriptExecutionDisabled", {"value": True})
@@ -292,7 +303,7 @@ with open(page, encoding="utf-8") as file:
     Markup(file.read())
 try:
     for check in [check_page, check_search, check_sort, check_links, check_keyboard, check_looks,
-                  check_without_scripts, check_logs]:
+                  check_size, check_without_scripts, check_logs]:
         check()
 finally:
     browser.quit()
