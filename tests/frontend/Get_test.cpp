@@ -9,6 +9,7 @@ using testing::HasSubstr;
 
 TEST(Get, PrintsBareValues) {
   const TShowFile file;
+  // clang-format off
   const struct {
     std::vector<std::string> arguments;
     const char* out;
@@ -25,6 +26,7 @@ TEST(Get, PrintsBareValues) {
       {{"KVRSG_CollectionRun.StartTime"},        "2026-11-21T10:55:00.000000+01:00\n"},
       {{"CIM_ManagedElement.InstanceID"},        "run\nacme\n"                       }, // of subclasses
   };
+  // clang-format on
   for (const auto& row : rows) {
     const TResult result = file.Get(row.arguments);
     EXPECT_EQ(0, result.code) << row.arguments[0];
@@ -35,11 +37,14 @@ TEST(Get, PrintsBareValues) {
 
 TEST(Get, TellsWhenThereIsNoValue) {
   const TShowFile file;
-  for (const std::vector<std::string>& arguments : std::vector<std::vector<std::string>>{
-           {"Acme_Disk.Spare"                                                               },
-           { "Acme_Empty.Id"},
-           {                                                          "Acme_Disk.Id",        "--where", "Id=d3"}
-  }) {
+  // clang-format off
+  const std::vector<std::vector<std::string>> rows = {
+      {"Acme_Disk.Spare"},
+      {"Acme_Empty.Id"},
+      {"Acme_Disk.Id", "--where", "Id=d3"},
+  };
+  // clang-format on
+  for (const std::vector<std::string>& arguments : rows) {
     const TResult result = file.Get(arguments);
     EXPECT_EQ(1, result.code);
     EXPECT_EQ("", result.out + result.err);
