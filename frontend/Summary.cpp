@@ -3,6 +3,7 @@
 #include <fmt/format.h>
 
 #include <algorithm>
+#include <cstdlib>
 #include <map>
 #include <set>
 #include <string>
@@ -33,14 +34,20 @@ TInstances InstancesOf(const TContainer& container, const char* className) {
 std::string Fact(const TCIMInstance& instance, const char* name, TShow show) {
   const TCIMProperty* property = instance.FindProperty(name);
   if (!property) return kNotAvailable;
-  return property->GetValue().IsNull() ? MissingText(*property) : show(*property);
+  if (property->GetValue().IsNull()) return MissingText(*property);
+  try {
+    return show(*property);
+  } catch (const TZELException&) {
+    return PropertyText(*property);  // of another type than ours
+  }
 }
 
 // The number that the property holds, whatever its width; 0 when it is NULL.
 unsigned long Number(const TCIMInstance& instance, const char* name) {
   const TCIMProperty* property = instance.FindProperty(name);
   if (!property || property->GetValue().IsNull()) return 0;
-  return std::stoul(property->GetValue().ToString(10));
+  const std::string text = property->GetValue().ToString(10);
+  return std::strtoul(text.c_str(), nullptr, 10);
 }
 
 // "1 core", "2 cores".

@@ -168,6 +168,20 @@ TEST(Report, ShowsHostileTextsAsTexts) {
   EXPECT_THAT(page, HasSubstr("<title>&lt;script&gt;"));
 }
 
+TEST(Report, TakesTheClassesOfOthersAsTheyAre) {
+  const std::string body = BodyOf(
+      PageOf(Class("KVRSG_Processor", Key("Id") + Declare("NumberOfEnabledCores", "string")) +
+             Class("KVRSG_Memory", Key("Id") + Declare("TotalSize", "string[]")) +
+             Class("KVRSG_OperatingSystem",
+                   Key("Id") + Declare("Uptime", "string") + Declare("LastBootUpTime", "boolean")) +
+             Instance("KVRSG_Processor", Set("Id", "1") + Set("NumberOfEnabledCores", "many")) +
+             Instance("KVRSG_Memory", Set("Id", "1") + Set("TotalSize", "string[]", "a|b")) +
+             Instance("KVRSG_OperatingSystem", Set("Id", "1") + Set("Uptime", "long"))));
+  EXPECT_THAT(body, HasSubstr("<dt>Count</dt><dd>1 package</dd>"));
+  EXPECT_THAT(body, HasSubstr("<dt>Total</dt><dd>a, b</dd>"));
+  EXPECT_THAT(body, HasSubstr("<dt>Uptime</dt><dd>long</dd>"));
+}
+
 TEST(Report, LetsNothingInButItsOwnStyleAndScript) {
   const std::string page = PageOf(kDisks);
   EXPECT_THAT(page,
