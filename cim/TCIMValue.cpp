@@ -86,7 +86,8 @@ void TCIMValue::Take(TCIMValue& other) noexcept {
 // The arguments must not be part of the present variant.
 template <class TVariant, class... TArgs>
 void TCIMValue::MakeVariant(TCIMType type, TArgs&&... args) {
-  static_assert(sizeof(TVariant) <= sizeof fVariant && alignof(TVariant) <= alignof(TCIMValue));
+  static_assert(sizeof(TVariant) <= sizeof fVariant);
+  static_assert(alignof(TVariant) <= alignof(TCIMValue));
   Clear();
   fType = type;
   new (fVariant) TVariant(std::forward<TArgs>(args)...);
