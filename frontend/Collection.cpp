@@ -3,7 +3,6 @@
 #include <fcntl.h>
 #include <fmt/format.h>
 #include <string.h>
-#include <sys/mman.h>
 
 #include <algorithm>
 #include <cerrno>
@@ -12,6 +11,7 @@
 #include <sstream>
 
 #include "frontend/ExitCode.h"
+#include "frontend/Input.h"
 #include "frontend/Locations.h"
 #include "frontend/Log.h"
 #include "frontend/Progress.h"
@@ -56,7 +56,7 @@ void TCollection::FindPlugins(const std::string& directory) {
   }
   // A document's name is made by taking "lib" out of the whole path of its plug-in, so the library
   // is given a path to the directory in which there is none.
-  const std::string handed = fmt::format("/proc/self/fd/{}", fDirectory.Get());
+  const std::string handed = PathOf(fDirectory);
   for (const std::string& path : TOSSpecific::FindPlugins(handed)) {
     fPlugins.push_back({path, directory + path.substr(handed.size()), "", {}});
   }
@@ -239,10 +239,7 @@ void TCollection::Keep(const TFoundPlugin& plugin, TPluginOutcome outcome) {
 }
 
 void TCollection::ReadInstances(TContainer& container, const std::string& document) const {
-  const TDescriptor memory(memfd_create("zel-instances", MFD_CLOEXEC));
-  const ssize_t written = write(memory.Get(), document.data(), document.size());
-  if (written != static_cast<ssize_t>(document.size())) throw TZELException(zelStatusOutOfMemory);
-  container.PopulateContainerFromFile(fmt::format("/proc/self/fd/{}", memory.Get()));
+  container.PopulateContainerFromFile(PathOf(KeepText(document)));
 }
 
 bool TCollection::IsPartial() const {

@@ -1,36 +1,17 @@
 #include "frontend/DocumentText.h"
 
-#include <fmt/format.h>
-#include <string.h>
 #include <strings.h>
-#include <sys/stat.h>
 #include <zlib.h>
 
-#include <cerrno>
 #include <fstream>
 #include <string_view>
 
-#include "frontend/ExitCode.h"
 #include "frontend/StrictReader.h"
-#include "frontend/ValueText.h"
 
 namespace zel {
 namespace {
 
 constexpr std::size_t kMaxText = 100U << 20U;  // that the reader takes
-
-[[noreturn]] void RefuseFile(const std::string& path, const std::string& why) {
-  throw TCommandError(kExitBadInput, Printable(fmt::format("cannot read '{}': {}; name a CIM-XML "
-                                                           "document, plain or .gz",
-                                                           path, why)));
-}
-
-void RequireFile(const std::string& path) {
-  struct stat status = {};
-  if (stat(path.c_str(), &status) != 0) RefuseFile(path, strerror(errno));
-  if (!S_ISREG(status.st_mode)) RefuseFile(path, "it is no regular file");
-  if (!std::ifstream(path)) RefuseFile(path, strerror(errno));
-}
 
 // Looks for the declaration of KEY, which stands before all classes and instances.
 class TKeySearch : public TStrictReader {
@@ -60,14 +41,14 @@ class TKeySearch : public TStrictReader {
 
 }  // namespace
 
-TDocumentText ReadText(const std::string& path) {
-  RequireFile(path);
+TDocumentText ReadText(const TInput& input) {
+  input.RequireFile("name a CIM-XML document, plain or .gz");
+  const std::string& path = input.GetPath();
   const bool isNamedGzip = path.find(".gz") != std::string::npos;
   if (IsGzip(path) != isNamedGzip) {
     return {"", isNamedGzip ? TRule::kGzipName : TRule::kGzipUnnamed};
   }
   gzFile file = gzopen(path.c_str(), "rb");  // takes plain files as they are
-  if (!file) RefuseFile(path, strerror(errno));
   std::string text;
   char block[65536];
   int count = 0;

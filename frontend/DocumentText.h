@@ -4,6 +4,7 @@
 #include <string>
 
 #include "frontend/Findings.h"
+#include "frontend/Input.h"
 
 namespace zel {
 
@@ -15,7 +16,7 @@ struct TDocumentText {
 
 // Reads a plain file, or what is in a gzip file, by the rules of the library's reader. Throws
 // TCommandError (kExitBadInput) for what is no file.
-TDocumentText ReadText(const std::string& path);
+TDocumentText ReadText(const TInput& input);
 
 // Whether the file begins as gzip files do.
 bool IsGzip(const std::string& path);

@@ -2,12 +2,9 @@
 
 #include <fcntl.h>
 #include <fmt/format.h>
-#include <string.h>
-#include <sys/mman.h>
 #include <sys/stat.h>
 
 #include <algorithm>
-#include <cerrno>
 
 #include "frontend/Descriptor.h"
 #include "frontend/ExitCode.h"
@@ -69,21 +66,6 @@ std::vector<TCIMInstance*> InstancesOf(const TContainer& container, const char* 
 // Whether the plug-in answered.
 bool IsAnswer(const TCIMInstance& status) { return TextOf(status, "Status") == "0"; }
 
-// All of standard input in memory.
-TDescriptor KeepInput() {
-  TDescriptor memory(memfd_create("zel-input", MFD_CLOEXEC));
-  char block[65536];
-  for (;;) {
-    const ssize_t count = read(STDIN_FILENO, block, sizeof block);
-    if (count == 0) return memory;
-    if (count < 0 && errno == EINTR) continue;
-    if (count < 0 || write(memory.Get(), block, static_cast<std::size_t>(count)) != count) {
-      throw TCommandError(kExitBadInput,
-                          fmt::format("cannot read standard input: {}", strerror(errno)));
-    }
-  }
-}
-
 // The library takes a document for compressed when ".gz" stands anywhere in its path. Opens one to
 // which that happens although it is neither called so nor compressed; none otherwise.
 TDescriptor OpenPlain(const std::string& path) {
@@ -107,18 +89,10 @@ void ReadInto(TContainer& container, const std::string& path, const std::string&
   }
 }
 
-std::string TitleOf(const std::string& path) { return path == "-" ? "standard input" : path; }
-
-void ReadFile(TContainer& container, const std::string& path) {
-  struct stat status = {};
-  if (path != "-" && stat(path.c_str(), &status) != 0) {
-    throw TCommandError(kExitBadInput,
-                        Printable(fmt::format("cannot read '{}': {}; 'zel collect -o FILE' saves a "
-                                              "collection",
-                                              path, strerror(errno))));
-  }
-  const TDescriptor open = path == "-" ? KeepInput() : OpenPlain(path);
-  ReadInto(container, open ? fmt::format("/proc/self/fd/{}", open.Get()) : path, TitleOf(path));
+void ReadFile(TContainer& container, const TInput& input) {
+  input.RequireFile("'zel collect -o FILE' saves a collection");
+  const TDescriptor open = OpenPlain(input.GetPath());
+  ReadInto(container, open ? PathOf(open) : input.GetPath(), input.GetTitle());
 }
 
 }  // namespace
@@ -154,12 +128,12 @@ TInventory TInventory::Declare(const TCollectionOptions& options) {
   return TInventory(nullptr, std::make_unique<TCollection>(options), "this machine");
 }
 
-TInventory TInventory::Read(const std::string& path, const std::vector<std::string>& bases) {
+TInventory TInventory::Read(const TInput& input, const std::vector<std::string>& bases) {
   StartLog("", zelLogStatus);
   auto container = std::make_unique<TContainer>();
   for (const std::string& base : bases) ReadFile(*container, base);
-  ReadFile(*container, path);
-  TInventory inventory(std::move(container), nullptr, TitleOf(path));
+  ReadFile(*container, input);
+  TInventory inventory(std::move(container), nullptr, input.GetTitle());
   inventory.FindRun();
   return inventory;
 }

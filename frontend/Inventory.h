@@ -8,6 +8,7 @@
 #include <vector>
 
 #include "frontend/Collection.h"
+#include "frontend/Input.h"
 
 class TCIMClass;
 class TCIMInstance;
@@ -41,10 +42,10 @@ class TInventory {
   // The classes that are collected here; nothing is. Throws TCommandError.
   static TInventory Declare(const TCollectionOptions& options);
 
-  // Reads a saved collection, "-" from standard input, after the documents that it builds on.
+  // Reads a saved collection after the documents that it builds on.
   // Throws TCommandError (kExitBadInput) that names the file, the reason, and the line of an error
   // in the document.
-  static TInventory Read(const std::string& path, const std::vector<std::string>& bases = {});
+  static TInventory Read(const TInput& input, const std::vector<std::string>& bases = {});
 
   // Reads the file, after the base schema if one is named, or collects when `file` is empty.
   static TInventory Open(const std::string& file, const TCollectionOptions& options,

@@ -1,9 +1,8 @@
 #include <fmt/format.h>
 #include <string.h>
-#include <sys/stat.h>
 
-#include <cerrno>
-#include <fstream>
+#include <cstdint>
+#include <filesystem>
 
 #include "frontend/Commands.h"
 #include "frontend/DocumentText.h"
@@ -38,21 +37,6 @@ const char* HintFor(const std::string& reason) {
   const THint* row = kHints;
   while (reason.find(row->reason) == std::string::npos) ++row;
   return row->hint;
-}
-
-// The size of the file. Throws TCommandError when it cannot be sent.
-unsigned long SizeOf(const std::string& path) {
-  const auto refuse = [&](const std::string& why) {
-    throw TCommandError(kExitBadInput,
-                        Printable(fmt::format("cannot read '{}': {}; 'zel collect -o FILE' saves a "
-                                              "collection",
-                                              path, why)));
-  };
-  struct stat status = {};
-  if (stat(path.c_str(), &status) != 0) refuse(strerror(errno));
-  if (!S_ISREG(status.st_mode)) refuse("it is no regular file");
-  if (!std::ifstream(path)) refuse(strerror(errno));
-  return static_cast<unsigned long>(status.st_size);
 }
 
 // Tells what a person should know before the file leaves the machine.
@@ -96,7 +80,8 @@ class TUploadCommand : public TCommand {
   TExitCode Run(TStreams& streams) override {
     const TFTPTarget target = ParseFTPTarget(fURL);
     const std::string name = RemoteName();
-    const unsigned long size = SizeOf(fFile);
+    TInput(fFile).RequireFile("'zel collect -o FILE' saves a collection");
+    const std::uintmax_t size = std::filesystem::file_size(fFile);
     Warn(fFile, streams.err);
     streams.out << fmt::format(
         "file       {} ({})\n"

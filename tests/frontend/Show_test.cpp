@@ -406,8 +406,12 @@ TEST(Show, SaysWhyAFileCannotBeRead) {
   std::map<std::string, std::string> reasons = {
       {dir.PathOf("none.xml"),     "No such file or directory"},
       {dir.PathOf("none\x07.xml"), "No such file or directory"},
-      {dir.GetPath(),              ""                         }
+      {dir.GetPath(),              "it is no regular file"    },
+      {dir.PathOf("fifo.xml"),     "it is no regular file"    },
+      {dir.PathOf("fifo.gz.xml"),  "it is no regular file"    }
   };
+  mkfifo(dir.PathOf("fifo.xml").c_str(), 0600);
+  mkfifo(dir.PathOf("fifo.gz.xml").c_str(), 0600);
   reasons[dir.WriteFile("cut.xml", good.substr(0, good.size() - 40))] = "line ";
   reasons[dir.WriteFile("garbage.xml", std::string("\x01\x02\0garbage", 10))] = "line 1";
   reasons[dir.WriteFile("empty.xml", "")] = "";
@@ -429,7 +433,9 @@ TEST(Show, SaysWhyAFileCannotBeRead) {
   const Unprivileged nobody;
   const TResult result = Zel({"show", secret});
   EXPECT_EQ(4, result.code);
-  EXPECT_THAT(result.err, StartsWith("zel: cannot read '"));
+  EXPECT_EQ("zel: cannot read '" + secret +
+                "': Permission denied; 'zel collect -o FILE' saves a collection\n",
+            result.err);
 }
 
 TEST(Show, FitsATerminal) {

@@ -1,0 +1,37 @@
+#pragma once
+
+#include <string>
+
+#include "frontend/Descriptor.h"
+
+namespace zel {
+
+// Where a command reads a document: a file or, called "-", standard input, all of which is kept in
+// memory, so that it has a path, too, and can be read again.
+class TInput {
+ public:
+  // Does not touch a file. Throws TCommandError (kExitBadInput) when standard input fails.
+  TInput(const std::string& name);  // NOLINT(google-explicit-constructor): a name stands for it
+
+  bool IsStandardInput() const { return static_cast<bool>(fMemory); }
+  const std::string& GetPath() const { return fPath; }
+  // For people.
+  const std::string& GetTitle() const { return fTitle; }
+
+  // Throws TCommandError (kExitBadInput), whose message ends with `hint`, unless it is a regular
+  // file that can be read. To open anything else may take for ever.
+  void RequireFile(const std::string& hint) const;
+
+ private:
+  TDescriptor fMemory;
+  std::string fPath;
+  std::string fTitle;
+};
+
+// A file in memory that holds `text`.
+TDescriptor KeepText(const std::string& text);
+
+// By which the descriptor's file is opened anew.
+std::string PathOf(const TDescriptor& file);
+
+}  // namespace zel
