@@ -48,6 +48,10 @@ TDocumentText ReadText(const TInput& input) {
   if (IsGzip(path) != isNamedGzip) {
     return {"", isNamedGzip ? TRule::kGzipName : TRule::kGzipUnnamed};
   }
+  return Unpack(path);
+}
+
+TDocumentText Unpack(const std::string& path) {
   gzFile file = gzopen(path.c_str(), "rb");  // takes plain files as they are
   std::string text;
   char block[65536];

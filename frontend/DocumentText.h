@@ -18,6 +18,9 @@ struct TDocumentText {
 // TCommandError (kExitBadInput) for what is no file.
 TDocumentText ReadText(const TInput& input);
 
+// The text of a plain file or of a gzip file, whatever it is called.
+TDocumentText Unpack(const std::string& path);
+
 // Whether the file begins as gzip files do.
 bool IsGzip(const std::string& path);
 

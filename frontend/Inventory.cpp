@@ -7,6 +7,7 @@
 #include <algorithm>
 
 #include "frontend/Descriptor.h"
+#include "frontend/DocumentText.h"
 #include "frontend/ExitCode.h"
 #include "frontend/Log.h"
 #include "frontend/NearMatch.h"
@@ -66,33 +67,31 @@ std::vector<TCIMInstance*> InstancesOf(const TContainer& container, const char* 
 // Whether the plug-in answered.
 bool IsAnswer(const TCIMInstance& status) { return TextOf(status, "Status") == "0"; }
 
-// The library takes a document for compressed when ".gz" stands anywhere in its path. Opens one to
-// which that happens although it is neither called so nor compressed; none otherwise.
-TDescriptor OpenPlain(const std::string& path) {
-  const bool isMistaken = path.find(".gz") != std::string::npos && !EndsIn(path, ".gz");
-  TDescriptor file(isMistaken ? open(path.c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK) : -1);
-  char magic[2] = {};
-  const bool isCompressed = pread(file.Get(), magic, sizeof magic, 0) == sizeof magic &&
-                            magic[0] == '\x1f' && magic[1] == '\x8b';
-  return isCompressed ? TDescriptor() : std::move(file);
-}
-
-void ReadInto(TContainer& container, const std::string& path, const std::string& title) {
-  try {
-    TLogger::GetInstance()->ClearLog();
-    container.PopulateContainerFromFile(path);
-  } catch (const std::exception& error) {
-    const std::string why = FirstLoggedError();
-    throw TCommandError(kExitBadInput,
-                        Printable(fmt::format("cannot read '{}': {}; 'zel validate' tells more",
-                                              title, why.empty() ? error.what() : why)));
-  }
+// The library takes a document for compressed when ".gz" stands anywhere in its path. Opens one of
+// which that is not true, so that it is read as what it is; none otherwise, and none when a name in
+// .gz promises what it does not hold.
+TDescriptor OpenAsItIs(const std::string& path) {
+  const bool isGzip = IsGzip(path);
+  const bool isTakenForGzip = path.find(".gz") != std::string::npos;
+  if (isGzip == isTakenForGzip || EndsIn(path, ".gz")) return TDescriptor();
+  if (!isGzip) return TDescriptor(open(path.c_str(), O_RDONLY | O_CLOEXEC));
+  const TDocumentText document = Unpack(path);
+  if (document.fault) throw TZELException(zelStatusCorruptGzipFile);
+  return KeepText(document.text);
 }
 
 void ReadFile(TContainer& container, const TInput& input) {
   input.RequireFile("'zel collect -o FILE' saves a collection");
-  const TDescriptor open = OpenPlain(input.GetPath());
-  ReadInto(container, open ? PathOf(open) : input.GetPath(), input.GetTitle());
+  TLogger::GetInstance()->ClearLog();
+  try {
+    const TDescriptor open = OpenAsItIs(input.GetPath());
+    container.PopulateContainerFromFile(open ? PathOf(open) : input.GetPath());
+  } catch (const std::exception& error) {
+    const std::string why = FirstLoggedError();
+    throw TCommandError(kExitBadInput,
+                        Printable(fmt::format("cannot read '{}': {}; 'zel validate' tells more",
+                                              input.GetTitle(), why.empty() ? error.what() : why)));
+  }
 }
 
 }  // namespace

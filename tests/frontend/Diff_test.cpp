@@ -231,6 +231,26 @@ TEST(Diff, PrintsNothingWhenOneOfTheTwoCannotBeRead) {
   expectRefused(files.Old(), missing, "'" + missing + "': No such file");
 }
 
+TEST(Diff, ReadsOneOfTheTwoFromStandardInput) {
+  const TTwoFiles files;
+  const std::string named = Zel({"diff", files.Old(), files.New()}).out;
+  const auto expectSame = [&](const std::string& contents, const std::string& file,
+                              const std::vector<std::string>& arguments) {
+    const TStandardInput input(contents);
+    const TResult result = Zel(arguments);
+    EXPECT_EQ(1, result.code);
+    EXPECT_EQ("", result.err);
+    std::string expected = named;
+    for (std::size_t at; (at = expected.find(file)) != std::string::npos;) {
+      expected.replace(at, file.size(), "standard input");
+    }
+    EXPECT_EQ(expected, result.out);
+  };
+  expectSame(ReadFile(files.Old()), files.Old(), {"diff", "-", files.New()});
+  expectSame(Gzip(ReadFile(files.Old())), files.Old(), {"diff", "-", files.New()});
+  expectSame(Gzip(ReadFile(files.New())), files.New(), {"diff", files.Old(), "-"});
+}
+
 TEST(Diff, RefusesWrongArgumentsInOneLine) {
   const TTwoFiles files;
   const auto expectRefused = [](std::vector<std::string> arguments) {

@@ -438,6 +438,33 @@ TEST(Show, SaysWhyAFileCannotBeRead) {
             result.err);
 }
 
+TEST(Show, ReadsWhatIsCompressedWithoutBeingCalledSo) {
+  const TShowFile file;
+  const std::string text = ReadFile(file.GetFile());
+  const std::string expected = file.Show({"Acme_Disk"}).out;
+  const std::vector<std::string> fromInput = {"show", "--base", kBase, "-", "Acme_Disk"};
+  for (const std::string& contents : {text, Gzip(text)}) {
+    const TStandardInput input(contents);
+    const TResult result = Zel(fromInput);
+    EXPECT_EQ(0, result.code) << result.err;
+    EXPECT_EQ(expected, result.out);
+  }
+  const std::string unnamed = file.WriteFile("packed.xml", Gzip(text));
+  EXPECT_EQ(expected, Zel({"show", "--base", kBase, unnamed, "Acme_Disk"}).out);
+
+  std::string damaged = Gzip(text);
+  damaged[damaged.size() / 2] ^= 0x55;
+  for (const std::string& contents : {Gzip(text).substr(0, 400), damaged}) {
+    const TStandardInput input(contents);
+    const TResult result = Zel(fromInput);
+    EXPECT_EQ(4, result.code);
+    EXPECT_EQ("", result.out);
+    EXPECT_EQ(
+        "zel: cannot read 'standard input': zelStatusCorruptGzipFile; 'zel validate' tells more\n",
+        result.err);
+  }
+}
+
 TEST(Show, FitsATerminal) {
   const TShowFile file;
   const std::vector<const char*> arguments = {

@@ -1,5 +1,8 @@
 #pragma once
 
+#include <fcntl.h>
+#include <unistd.h>
+
 #include <filesystem>
 #include <sstream>
 #include <string>
@@ -34,4 +37,24 @@ class TPluginDir : public TempDir {
       std::filesystem::copy(std::filesystem::path(ZEL_TEST_PLUGINS) / name, PathOf(name));
     }
   }
+};
+
+// Standard input of this process, which holds `contents` while the object lives.
+class TStandardInput {
+ public:
+  explicit TStandardInput(const std::string& contents) : fFormer(dup(STDIN_FILENO)) {
+    const TempDir dir;
+    const int file = open(dir.WriteFile("input", contents).c_str(), O_RDONLY);
+    dup2(file, STDIN_FILENO);
+    close(file);
+  }
+  ~TStandardInput() {
+    dup2(fFormer, STDIN_FILENO);
+    close(fFormer);
+  }
+  TStandardInput(const TStandardInput&) = delete;
+  TStandardInput& operator=(const TStandardInput&) = delete;
+
+ private:
+  int fFormer;
 };
