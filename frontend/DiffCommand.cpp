@@ -34,10 +34,10 @@ TInventory CollectLike(const TInventory& before, const std::vector<std::string>&
 class TDiffCommand : public TCommand {
  public:
   explicit TDiffCommand(CLI::App& options) {
-    options.add_option("OLD", fOld, "A saved collection, '-' for standard input")
+    options.add_option("OLD", fOld, "A saved collection, - for standard input")
         ->type_name("FILE")
         ->required();
-    options.add_option("NEW", fNew, "A later one; this machine when it is not given")
+    options.add_option("NEW", fNew, "A later one, - for standard input; without it, this machine")
         ->type_name("FILE");
     options
         .add_option("--class", fComparison.names,

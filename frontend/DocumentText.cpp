@@ -45,7 +45,7 @@ TDocumentText ReadText(const TInput& input) {
   input.RequireFile("name a CIM-XML document, plain or .gz");
   const std::string& path = input.GetPath();
   const bool isNamedGzip = path.find(".gz") != std::string::npos;
-  if (IsGzip(path) != isNamedGzip) {
+  if (!input.IsStandardInput() && IsGzip(path) != isNamedGzip) {
     return {"", isNamedGzip ? TRule::kGzipName : TRule::kGzipUnnamed};
   }
   return Unpack(path);

@@ -14,8 +14,8 @@ struct TDocumentText {
   std::optional<TRule> fault;
 };
 
-// Reads a plain file, or what is in a gzip file, by the rules of the library's reader. Throws
-// TCommandError (kExitBadInput) for what is no file.
+// Reads a plain file, or what is in a gzip file, by the rules of the library's reader; of standard
+// input, either. Throws TCommandError (kExitBadInput) for what is no file.
 TDocumentText ReadText(const TInput& input);
 
 // The text of a plain file or of a gzip file, whatever it is called.

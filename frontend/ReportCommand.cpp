@@ -19,7 +19,9 @@ namespace {
 class TReportCommand : public TCommand {
  public:
   explicit TReportCommand(CLI::App& options) {
-    options.add_option("FILE", fFile, "A saved collection; this machine when it is not given")
+    options
+        .add_option("FILE", fFile,
+                    "A saved collection, - for standard input; without it, this machine")
         ->type_name("FILE");
     options.add_option("--diff", fOld, "Begin with what has changed since this saved collection")
         ->type_name("OLD-FILE");

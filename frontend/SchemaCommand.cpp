@@ -41,16 +41,14 @@ class TSchemaCommand : public TCommand {
 
  private:
   // A plug-in's document builds on the base schema.
-  TInventory Read(const std::string& file) const {
+  TInventory Read(const TInput& input) const {
     std::vector<std::string> bases;
-    if (file != "-") {
-      const TDocumentText document = ReadText(file);
-      if (!document.fault && !DeclaresKey(document.text)) {
-        bases.push_back(fOptions.baseSchema.empty() ? DefaultLocations().baseSchema
-                                                    : fOptions.baseSchema);
-      }
+    const TDocumentText document = ReadText(input);
+    if (!document.fault && !DeclaresKey(document.text)) {
+      bases.push_back(fOptions.baseSchema.empty() ? DefaultLocations().baseSchema
+                                                  : fOptions.baseSchema);
     }
-    return TInventory::Read(file, bases);
+    return TInventory::Read(input, bases);
   }
 
   TCollectionOptions fOptions;

@@ -78,7 +78,9 @@ TInstances Redacted(TInventory& inventory, const TInstances& instances) {
 class TTreeCommand : public TCommand {
  public:
   explicit TTreeCommand(CLI::App& options) {
-    options.add_option("FILE", fFile, "A saved collection; this machine when it is not given")
+    options
+        .add_option("FILE", fFile,
+                    "A saved collection, - for standard input; without it, this machine")
         ->type_name("FILE");
     options.add_option("--from", fFrom, "Start with this instance, or with those of this class")
         ->type_name("PATH");

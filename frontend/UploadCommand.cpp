@@ -1,11 +1,11 @@
 #include <fmt/format.h>
 #include <string.h>
 
-#include <cstdint>
 #include <filesystem>
 
 #include "frontend/Commands.h"
 #include "frontend/DocumentText.h"
+#include "frontend/ExitCode.h"
 #include "frontend/FTPTarget.h"
 #include "frontend/Inventory.h"
 #include "frontend/Log.h"
@@ -40,14 +40,14 @@ const char* HintFor(const std::string& reason) {
 }
 
 // Tells what a person should know before the file leaves the machine.
-void Warn(const std::string& path, std::ostream& err) {
-  const std::string file = Printable(path);
-  if (!IsGzip(path)) {
+void Warn(const TInput& input, std::ostream& err) {
+  const std::string file = Printable(input.GetTitle());
+  if (!IsGzip(input.GetPath())) {
     err << fmt::format("zel: '{}' is not compressed, though its name on the server says so\n",
                        file);
   }
   try {
-    const TInventory inventory = TInventory::Read(path);
+    const TInventory inventory = TInventory::Read(input);
     if (inventory.GetRun()) {
       if (!inventory.IsRedacted()) {
         err << fmt::format(
@@ -67,7 +67,9 @@ void Warn(const std::string& path, std::ostream& err) {
 class TUploadCommand : public TCommand {
  public:
   explicit TUploadCommand(CLI::App& options) {
-    options.add_option("FILE", fFile, "A saved collection")->type_name("FILE")->required();
+    options.add_option("FILE", fFile, "A saved collection, - for standard input")
+        ->type_name("FILE")
+        ->required();
     options.add_option("--to", fURL, "Where to: ftp://HOST[:PORT]/DIRECTORY/")
         ->type_name("URL")
         ->required();
@@ -80,16 +82,16 @@ class TUploadCommand : public TCommand {
   TExitCode Run(TStreams& streams) override {
     const TFTPTarget target = ParseFTPTarget(fURL);
     const std::string name = RemoteName();
-    TInput(fFile).RequireFile("'zel collect -o FILE' saves a collection");
-    const std::uintmax_t size = std::filesystem::file_size(fFile);
-    Warn(fFile, streams.err);
+    const TInput input(fFile);
+    input.RequireFile("'zel collect -o FILE' saves a collection");
+    Warn(input, streams.err);
     streams.out << fmt::format(
         "file       {} ({})\n"
         "host       {}{}\n"
         "directory  {}\n"
         "name       {}\n",
-        Printable(fFile), BytesText(size), target.host,
-        target.port.empty() ? "" : ", port " + target.port,
+        Printable(input.GetTitle()), BytesText(std::filesystem::file_size(input.GetPath())),
+        target.host, target.port.empty() ? "" : ", port " + target.port,
         target.directory.empty() ? "that of the login" : Printable(target.directory),
         Printable(name + kEnding));
     if (fIsDryRun) {
@@ -97,7 +99,7 @@ class TUploadCommand : public TCommand {
       return kExitDone;
     }
     streams.out.flush();
-    Send(target, name);
+    Send(input.GetPath(), target, name);
     streams.out << "sent\n";
     return kExitDone;
   }
@@ -105,6 +107,9 @@ class TUploadCommand : public TCommand {
  private:
   // Without the ending that the library adds.
   std::string RemoteName() const {
+    if (fFile == "-" && fName.empty()) {
+      throw TCommandError(kExitUsage, "standard input has no name; give it one with --name");
+    }
     std::string name = fName.empty() ? fFile.substr(fFile.rfind('/') + 1) : fName;
     for (const char* ending : {kEnding, ".xml", ".gz"}) {
       if (!EndsIn(name, ending)) continue;
@@ -116,17 +121,17 @@ class TUploadCommand : public TCommand {
   }
 
   // In a child process: the library waits as long as the server does.
-  void Send(const TFTPTarget& target, const std::string& name) const {
+  void Send(const std::string& path, const TFTPTarget& target, const std::string& name) const {
     StartLog("", zelLogStatus);
     const std::string port = target.port.empty() ? "" : ":" + target.port;
     TOSSpecific::SetFTPTarget(target.host + port, PercentEncoded(target.directory));
     std::string encoded = PercentEncoded(name);
     const TPluginOutcome outcome = RunInChild(
-        fFile, fDeadline,
+        path, fDeadline,
         [&](TPluginOutcome& answer) {
           TLogger::GetInstance()->ClearLog();
           try {
-            TOSSpecific::FTPFile(fFile, encoded);
+            TOSSpecific::FTPFile(path, encoded);
           } catch (const TZELException&) {
             answer.log.push_back({zelLogError, FirstLoggedError()});
             throw;

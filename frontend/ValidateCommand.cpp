@@ -43,8 +43,8 @@ std::string Verdict(const TValidation& validation) {
                      Counted(findings.Count(TSeverity::kWarning), "warning", "warnings"), what);
 }
 
-void PrintText(const std::string& path, const TValidation& validation, std::ostream& out) {
-  const std::string file = Printable(path);
+void PrintText(const std::string& title, const TValidation& validation, std::ostream& out) {
+  const std::string file = Printable(title);
   for (const TFinding& finding : validation.findings.Sorted()) {
     const std::string line = finding.line == 0 ? "" : fmt::format(":{}", finding.line);
     out << fmt::format("{}{}: {}: {} [{}]\n", file, line, NameOf(finding.severity), finding.text,
@@ -64,12 +64,12 @@ ordered_json CountsJson(const TCounts& counts) {
   };
 }
 
-void PrintJson(const std::string& path, const TValidation& validation, std::ostream& out) {
+void PrintJson(const std::string& title, const TValidation& validation, std::ostream& out) {
   ordered_json document = {
       {"format",  "zel-validation"             },
       {"version", 1                            },
       {"zel",     ZEL_VERSION                  },
-      {"file",    path                         },
+      {"file",    title                        },
       {"clean",   validation.findings.IsClean()},
       {"read",    CountsJson(validation.read)  }
   };
@@ -93,7 +93,9 @@ void PrintJson(const std::string& path, const TValidation& validation, std::ostr
 class TValidateCommand : public TCommand {
  public:
   explicit TValidateCommand(CLI::App& options) {
-    options.add_option("FILE", fFile, "The document, plain or .gz")->type_name("FILE")->required();
+    options.add_option("FILE", fFile, "The document, plain or .gz, - for standard input")
+        ->type_name("FILE")
+        ->required();
     options
         .add_option("--base", fOptions.bases,
                     "Read these before it (default: the base schema, if the document declares no "
@@ -105,8 +107,9 @@ class TValidateCommand : public TCommand {
   }
 
   TExitCode Run(TStreams& streams) override {
-    const TValidation validation = Validate(fFile, fOptions);
-    (fFormat == TFormat::kJson ? PrintJson : PrintText)(fFile, validation, streams.out);
+    const TInput input(fFile);
+    const TValidation validation = Validate(input, fOptions);
+    (fFormat == TFormat::kJson ? PrintJson : PrintText)(input.GetTitle(), validation, streams.out);
     return validation.findings.IsClean() ? kExitDone : kExitBadInput;
   }
 

@@ -160,8 +160,8 @@ std::optional<TCounts> CheckText(std::string_view text, TContainer& container,
 
 }  // namespace
 
-TValidation Validate(const std::string& path, const TValidationOptions& options) {
-  const TDocumentText document = ReadText(path);
+TValidation Validate(const TInput& input, const TValidationOptions& options) {
+  const TDocumentText document = ReadText(input);
   StartLog("", zelLogStatus);
   TValidation validation{TFindings(options.limit), {}, std::nullopt};
   TFindings& findings = validation.findings;
@@ -171,7 +171,11 @@ TValidation Validate(const std::string& path, const TValidationOptions& options)
   } else {
     ReadBases(container, options, document.text, findings);
   }
-  validation.read = ReadDocument(container, path, findings);
+  if (!input.IsStandardInput()) {
+    validation.read = ReadDocument(container, input.GetPath(), findings);
+  } else if (!document.fault) {
+    validation.read = ReadDocument(container, PathOf(KeepText(document.text)), findings);
+  }
   if (!document.fault) validation.holds = CheckText(document.text, container, findings);
   return validation;
 }

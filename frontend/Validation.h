@@ -7,6 +7,7 @@
 
 #include "frontend/DocumentCheck.h"
 #include "frontend/Findings.h"
+#include "frontend/Input.h"
 
 namespace zel {
 
@@ -24,6 +25,6 @@ struct TValidation {
 // Reads the document with the library's reader into a container of its own, and then strictly, and
 // tells what is wrong with it and what the one takes otherwise than it is written. Throws
 // TCommandError when there is no such file, or a base cannot be read.
-TValidation Validate(const std::string& path, const TValidationOptions& options);
+TValidation Validate(const TInput& input, const TValidationOptions& options);
 
 }  // namespace zel

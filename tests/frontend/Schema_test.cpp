@@ -89,6 +89,13 @@ TEST_F(Schema, ListsTheClassesOfADocumentBySection) {
   EXPECT_LT(list.find("\nBase classes\n"), list.find("\n  Acme_Device "));
 }
 
+TEST_F(Schema, ReadsStandardInputAfterTheBaseSchema) {
+  const TStandardInput input(Gzip(kDocument));
+  const TResult result = Zel({"schema", "-", "--base", kBase});
+  EXPECT_EQ(0, result.code) << result.err;
+  EXPECT_EQ(Tell({}), result.out);
+}
+
 TEST_F(Schema, TellsAllOfAClass) {
   EXPECT_EQ(
       "Acme_Fan\n"

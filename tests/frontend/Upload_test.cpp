@@ -81,6 +81,23 @@ TEST_F(Upload, StoresTheFileAndSaysWhere) {
   }
 }
 
+TEST_F(Upload, SendsStandardInputUnderAName) {
+  const FTPServer server;
+  const std::string url = "ftp://" + server.GetHost() + "/";
+  const TStandardInput input(ReadFile(fDir.WriteGzipFile("open.gz", Collection("false"))));
+  const TResult nameless = Zel({"upload", "-", "--to", url});
+  EXPECT_EQ(2, nameless.code);
+  EXPECT_EQ("", nameless.out);
+  EXPECT_EQ("zel: standard input has no name; give it one with --name\n", nameless.err);
+
+  const TResult result = Zel({"upload", "-", "--to", url, "--name", "rack7"});
+  EXPECT_EQ(0, result.code);
+  EXPECT_THAT(result.err, StartsWith("zel: 'standard input' is not redacted: "));
+  EXPECT_THAT(result.out, StartsWith("file       standard input ("));
+  EXPECT_THAT(result.out, testing::EndsWith("\nsent\n"));
+  EXPECT_TRUE(ReadFile(fDir.PathOf("open.gz")) == ReadFile(server.GetDir().PathOf("rack7.xml.gz")));
+}
+
 TEST_F(Upload, SendsNothingWhenItIsDry) {
   HeldPort port;
   port.Listen();  // and nobody answers

@@ -549,6 +549,31 @@ TEST_F(Validate, NeedsAFileThatCanBeRead) {
       result.err);
 }
 
+TEST_F(Validate, ReadsStandardInput) {
+  TParts parts;
+  parts.inInstance = Property("U8", "256");
+  const std::string text = Document(parts);
+  std::string expected = Lines(text, 4);
+  for (std::size_t at; (at = expected.find("FILE")) != std::string::npos;) {
+    expected.replace(at, 4, "standard input");
+  }
+  for (const std::string& contents : {text, Gzip(text)}) {
+    const TStandardInput input(contents);
+    const TResult result = Zel({"validate", "-"});
+    EXPECT_EQ(4, result.code);
+    EXPECT_EQ("", result.err);
+    EXPECT_EQ(expected, result.out);
+  }
+  const TStandardInput input(Gzip(text).substr(0, 300));
+  const TResult result = Zel({"validate", "-"});
+  EXPECT_EQ(4, result.code);
+  EXPECT_EQ(
+      "standard input: error: the gzip data are cut or damaged [gzip-damaged]\n"
+      "standard input: 1 error and 0 warnings: read 0 qualifier declarations, 0 classes and 0 "
+      "instances\n",
+      result.out);
+}
+
 TEST_F(Validate, PrintsOneValidJsonDocument) {
   TParts parts;
   parts.inInstance = Property("U8", "256") + Property("S8", "128");
