@@ -17,11 +17,15 @@ const std::map<std::string, zelLogSeverity> kLogLevels = {
 }  // namespace
 
 void AddCollectionOptions(CLI::App& command, TCollectionOptions& options) {
+  AddSchemaOptions(command, options);
+  AddSeconds(command, "--timeout", options.deadline, "Give each plug-in this long (default 30)");
+}
+
+void AddSchemaOptions(CLI::App& command, TCollectionOptions& options) {
   command.add_option("--plugin-dir", options.pluginDirectory, "Take the plug-ins from here")
       ->type_name("DIR");
   command.add_option("--base", options.baseSchema, "Take the base schema from here")
       ->type_name("FILE");
-  AddSeconds(command, "--timeout", options.deadline, "Give each plug-in this long (default 30)");
   command.add_option("--log", options.logFile, "Write the log to this file")->type_name("FILE");
   AddChoice(command, "--log-level", options.logLevel, kLogLevels, "What to log");
 }

@@ -13,8 +13,11 @@
 
 namespace zel {
 
-// --plugin-dir, --base, --timeout, --log, --log-level
+// Those of AddSchemaOptions(), and --timeout
 void AddCollectionOptions(CLI::App& command, TCollectionOptions& options);
+
+// --plugin-dir, --base, --log, --log-level: of a command that runs no plug-in
+void AddSchemaOptions(CLI::App& command, TCollectionOptions& options);
 
 // An option for a time.
 void AddSeconds(CLI::App& command, const std::string& name, std::chrono::milliseconds& value,

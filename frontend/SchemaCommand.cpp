@@ -22,7 +22,7 @@ class TSchemaCommand : public TCommand {
                        "A document to describe instead of this installation, then classes or "
                        "sections (default: a list of all)");
     AddChoice(options, "--format", fFormat, kFormats, "How to print");
-    AddCollectionOptions(options, fOptions);
+    AddSchemaOptions(options, fOptions);
   }
 
   TExitCode Run(TStreams& streams) override {

@@ -300,6 +300,14 @@ TEST_F(Schema, DescribesWhatIsInstalledWithoutRunningIt) {
   EXPECT_TRUE(document.at("classes").at(1).at("plugin").is_null());
 }
 
+TEST_F(Schema, HasNoTimeLimitForPluginsThatItDoesNotRun) {
+  const TResult result = Ask({"--timeout", "1"});
+  EXPECT_EQ(2, result.code);
+  EXPECT_EQ("", result.out);
+  EXPECT_THAT(result.err, HasSubstr("--timeout"));
+  EXPECT_EQ(std::string::npos, Zel({"help", "schema"}).out.find("--timeout"));
+}
+
 TEST_F(Schema, ReadsDocumentsThatStandAlone) {
   const TResult result = Zel({"schema", kBase, "KVRSG_CollectionRun"});
   EXPECT_EQ(0, result.code);
