@@ -5,6 +5,7 @@
 #include <algorithm>
 
 #include "frontend/Table.h"
+#include "frontend/Titles.h"
 #include "frontend/ValueText.h"
 #include "zelcore/zelcore.h"
 
@@ -15,6 +16,12 @@ TTable::TCell CellOf(const TCIMProperty& property, bool isRaw) {
   const TCIMValue value = property.GetValue();
   if (value.IsNull()) return {MissingText(property), TLook::kMissing};
   return {isRaw ? ValueText(value) : PropertyText(property)};
+}
+
+// In a table, where an object path is too long to be read, what it names.
+TTable::TCell TableCellOf(const TCIMProperty& property, bool isRaw) {
+  const std::string target = isRaw ? "" : TargetOf(property.GetValue());
+  return target.empty() ? CellOf(property, isRaw) : TTable::TCell{target};
 }
 
 // Numbers that stay numbers are aligned to the right.
@@ -67,7 +74,7 @@ void PrintTable(const TSelection& selection, const TPresentation& presentation, 
   for (const TCIMInstance* instance : selection.instances) {
     std::vector<TTable::TCell> cells;
     for (const TCIMPropertyDecl* property : selection.properties) {
-      cells.push_back(CellOf(*instance->GetProperty(property->GetName()), presentation.isRaw));
+      cells.push_back(TableCellOf(*instance->GetProperty(property->GetName()), presentation.isRaw));
     }
     table.AddRow(std::move(cells));
   }

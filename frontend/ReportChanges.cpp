@@ -2,6 +2,7 @@
 #include "frontend/Comparison.h"
 #include "frontend/Inventory.h"
 #include "frontend/ReportParts.h"
+#include "frontend/Titles.h"
 #include "frontend/ValueText.h"
 #include "zelcore/zelcore.h"
 

@@ -20,14 +20,6 @@ class TInventory;
 struct TComparison;
 struct TSection;
 
-// "Cache memory", for KVRSG_CacheMemory without a DISPLAYNAME.
-std::string TitleOf(const TCIMClass& cls);
-// "Cache memory L1d-0": the class, and the keys that tell its instances apart.
-std::string TitleOf(const TCIMReference& path);
-
-// "Line size", for LineSize without a DISPLAYNAME.
-std::string LabelOf(const TCIMPropertyDecl& decl);
-
 // "captured.xml.gz, collected 2026-11-21 12:19:01"
 std::string NameOf(const TInventory& inventory);
 

@@ -4,6 +4,7 @@
 #include "frontend/Columns.h"
 #include "frontend/Inventory.h"
 #include "frontend/ReportParts.h"
+#include "frontend/Titles.h"
 #include "frontend/ValueText.h"
 #include "zelcore/zelcore.h"
 

@@ -9,6 +9,7 @@
 #include "frontend/ExitCode.h"
 #include "frontend/Inventory.h"
 #include "frontend/NearMatch.h"
+#include "frontend/Titles.h"
 #include "frontend/ValueMatch.h"
 #include "frontend/ValueText.h"
 #include "zelcore/zelcore.h"
@@ -57,7 +58,7 @@ bool Fulfils(const TCIMInstance& instance, const TCondition& condition) {
   const std::vector<std::string> shown = PropertyTexts(property);
   return std::any_of(raw.begin(), raw.end(), isWanted) ||
          std::any_of(shown.begin(), shown.end(), isWanted) || isWanted(ValueText(value)) ||
-         isWanted(PropertyText(property));
+         isWanted(PropertyText(property)) || (!wanted.empty() && isWanted(TargetOf(value)));
 }
 
 // The COLUMN qualifier; 0 without.

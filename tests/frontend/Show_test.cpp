@@ -14,8 +14,10 @@
 
 namespace {
 
+using document::Instance;
 using document::OnBase;
 using document::Set;
+using document::SetReference;
 using nlohmann::json;
 using testing::HasSubstr;
 using testing::StartsWith;
@@ -103,6 +105,35 @@ TEST(Show, ListsWhatIsWantedAsAList) {
 
 TEST(Show, PutsFirstWhatTellsInstancesApartWhereThereAreNoColumns) {
   EXPECT_EQ(kPlainTable, TShowFile().Show({"Acme_Plain"}).out);
+}
+
+TEST(Show, NamesWhatReferencesLeadToInTables) {
+  const TempDir dir;
+  const std::string file = dir.WriteFile(
+      "a.xml",
+      OnBase(document::ShowClasses() +
+             Instance("Acme_Holds", SetReference("Disk", "Acme_Disk", "Id", "d1") +
+                                        SetReference("Case", "Acme_Case", "Id", "lost")) +
+             Instance("Acme_Holds", SetReference("Disk", "Acme_Disk", "Id", "d&#7;2") +
+                                        SetReference("Case", "Acme_Case", "Id", "CASE 1"))));
+  const auto show = [&](const std::vector<std::string>& more) {
+    std::vector<std::string> arguments = {"show", "--base", kBase, file, "Acme_Holds"};
+    arguments.insert(arguments.end(), more.begin(), more.end());
+    return Zel(arguments).out;
+  };
+  EXPECT_EQ(
+      "Acme_Holds: 2 instances\n"
+      "  Case       Disk\n"
+      "  CASE 1     Disk d\\x072\n"
+      "  Case lost  Disk d1\n"
+      "\n",
+      show({}));
+  EXPECT_THAT(show({"--where", "Case=case lost"}), StartsWith("Acme_Holds.Case="));
+  for (const char* path : {"Acme_Case.Id=\"lost\"", "Acme_Disk.Id=\"d\\x072\""}) {
+    EXPECT_THAT(show({"--raw"}), HasSubstr(path));
+    EXPECT_THAT(show({"--format", "list"}), HasSubstr(path));
+  }
+  EXPECT_THAT(show({"--format", "csv", "--text"}), HasSubstr("\"Acme_Disk.Id=\"\"d1\"\"\""));
 }
 
 TEST(Show, TakesSectionsWithoutTheirLinks) {
