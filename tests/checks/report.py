@@ -123,6 +123,22 @@ return least;
 """
 
 
+# The words of column heads that stand on two lines.
+TORN_HEADS = """
+const torn = [];
+for (const head of document.querySelectorAll('thead th')) {
+  const text = document.createTreeWalker(head, NodeFilter.SHOW_TEXT).nextNode();
+  for (const word of text.data.matchAll(/\\S+/g)) {
+    const range = document.createRange();
+    range.setStart(text, word.index);
+    range.setEnd(text, word.index + word[0].length);
+    if (range.getClientRects().length > 1) torn.push(word[0]);
+  }
+}
+return torn;
+"""
+
+
 def check_page():
     browser.get(address)
     expect(browser.title == "captured: inventory", "the title is the machine's: " + browser.title)
@@ -255,6 +271,9 @@ def check_looks():
     media(media="print", prefers_color_scheme="dark")
     expect(run(paper) == "rgb(255, 255, 255)", "paper is white: %s" % run(paper))
     expect(shown("nav, #search, button:not(thead *), .skip") == 0, "controls are not printed")
+    expect(shown("details dd") == len(all_texts("details dd")), "what is folded away is printed")
+    width(680)  # of A4 between its margins
+    expect(run(TORN_HEADS) == [], "no column head is torn: %s" % run(TORN_HEADS))
     expect(len(browser.execute_cdp_cmd("Page.printToPDF", {})["data"]) > 10000, "it prints")
     media()
     for pixels in [360, 768, 1280]:
