@@ -143,6 +143,7 @@ expect "files without O_TMPFILE" a.xml "$(ls -A "$work/out")"
 for variables in 'SLOW_STEP=fsync' 'SLOW_STEP=fsync NO_TMPFILE=1'; do
   for signal in INT TERM HUP; do
     echo old >"$work/out/a.xml"
+    : >"$work/err"  # what the one before said does not count
     with_shim "$variables" -o "$work/out/a.xml" 2>"$work/err" &
     pid=$!
     for _ in {1..100}; do grep -q '^at ' "$work/err" && break; sleep 0.1; done
@@ -154,6 +155,7 @@ for variables in 'SLOW_STEP=fsync' 'SLOW_STEP=fsync NO_TMPFILE=1'; do
 done
 for step in linkat rename; do
   echo old >"$work/out/a.xml"
+  : >"$work/err"
   with_shim "SLOW_STEP=$step" -o "$work/out/a.xml" 2>"$work/err" &
   pid=$!
   for _ in {1..100}; do grep -q '^at ' "$work/err" && break; sleep 0.1; done
@@ -163,7 +165,7 @@ for step in linkat rename; do
 done
 
 # Progress: on a terminal only, gone at the end.
-on_terminal() { TERM=$1 script -qec "$zel collect --base $base --plugin-dir $work/slow --timeout 1 >/dev/null" /dev/null; }
+on_terminal() { TERM=$1 script -qec "'$zel' collect --base '$base' --plugin-dir '$work/slow' --timeout 1 >/dev/null" /dev/null; }
 erase=$'\r\033[K'
 line='zel: plug-in hangs failed: did not answer within 1 s'
 on_terminal xterm </dev/null >"$work/terminal"

@@ -11,10 +11,10 @@ made=$(mktemp -d)
 trap 'rm -rf "$made"' EXIT
 machine=$made/machine
 cp -r tests/testdata/machines/qemu-q35 "$machine"
-ZEL_SYSROOT=$machine $zel collect -o "$made/old.xml" 2>/dev/null
+ZEL_SYSROOT=$machine "$zel" collect -o "$made/old.xml" 2>/dev/null
 sed -i 's/^MemTotal:.*/MemTotal: 4040404 kB/' "$machine/proc/meminfo"
-ZEL_SYSROOT=$machine $zel collect -o "$made/new.xml" 2>/dev/null
-$zel report "$made/new.xml" --diff "$made/old.xml" -o "$made/page.html" 2>/dev/null
+ZEL_SYSROOT=$machine "$zel" collect -o "$made/new.xml" 2>/dev/null
+"$zel" report "$made/new.xml" --diff "$made/old.xml" -o "$made/page.html" 2>/dev/null
 
 # xmllint knows the elements of HTML 4 only.
 wrong=$(xmllint --html --noout "$made/page.html" 2>&1 | grep 'error :' |
