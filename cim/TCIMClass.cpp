@@ -68,4 +68,4 @@ std::vector<TCIMClass*> TCIMClass::Associators(const std::string& assocClass,
 // sic: the names as given, with their case.
 bool TCIMClass::operator==(const TCIMClass& other) const { return GetName() == other.GetName(); }
 bool TCIMClass::operator<(const TCIMClass& other) const { return GetName() < other.GetName(); }
-boost::shared_ptr<TCIMClassImpl> TCIMClass::GetBody() const { return fBody; }
+const boost::shared_ptr<TCIMClassImpl>& TCIMClass::GetBody() const { return fBody; }

@@ -90,4 +90,4 @@ TCIMDateTime TCIMDateTime::GetDifference(TCIMDateTime&, TCIMDateTime&) {
   zelcore::detail::Fail(zelStatusNotImplemented);
 }
 
-boost::shared_ptr<TCIMDateTimeImpl> TCIMDateTime::GetBody() const { return fBody; }
+const boost::shared_ptr<TCIMDateTimeImpl>& TCIMDateTime::GetBody() const { return fBody; }

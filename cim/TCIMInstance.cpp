@@ -46,9 +46,6 @@ TCIMProperty* TCIMInstance::GetProperty(const std::string& name) const {
 TCIMProperty* TCIMInstance::FindProperty(const std::string& name) const {
   return fBody->FindProperty(name);
 }
-TCIMProperty* TCIMInstance::FindPropertyNamed(std::string_view name) const {
-  return fBody->FindPropertyNamed(name);
-}
 std::vector<TCIMProperty const*> TCIMInstance::EnumerateProperties() const {
   return fBody->EnumerateProperties();
 }
@@ -65,4 +62,4 @@ std::vector<TCIMInstance*> TCIMInstance::Associators(const std::string& assocCla
 }
 bool TCIMInstance::operator==(const TCIMInstance& other) const { return *fBody == *other.fBody; }
 bool TCIMInstance::operator<(const TCIMInstance& other) const { return *fBody < *other.fBody; }
-boost::shared_ptr<TCIMInstanceImpl> TCIMInstance::GetBody() const { return fBody; }
+const boost::shared_ptr<TCIMInstanceImpl>& TCIMInstance::GetBody() const { return fBody; }

@@ -95,14 +95,10 @@ TCIMProperty* TCIMInstanceImpl::GetProperty(const std::string& name) const {
 }
 
 TCIMProperty* TCIMInstanceImpl::FindProperty(const std::string& name) const {
-  TCIMProperty* const property = FindPropertyNamed(name);
-  if (!property) CheckName(name);
-  return property;
-}
-
-TCIMProperty* TCIMInstanceImpl::FindPropertyNamed(std::string_view name) const {
   const std::size_t slot = fLayout->Find(name);
-  return slot == TPropertyLayout::kNoSlot ? nullptr : &fProperties[slot];
+  if (slot != TPropertyLayout::kNoSlot) return &fProperties[slot];
+  CheckName(name);
+  return nullptr;
 }
 
 std::vector<TCIMProperty const*> TCIMInstanceImpl::EnumerateProperties() const {

@@ -44,13 +44,11 @@ class ZEL_API TCIMInstanceImpl : public TCIMElementImpl {
 
   TCIMProperty* GetProperty(const std::string& name) const;
   TCIMProperty* FindProperty(const std::string& name) const;
-  // Null also for a name that is not valid.
-  TCIMProperty* FindPropertyNamed(std::string_view name) const;
   std::vector<TCIMProperty const*> EnumerateProperties() const;
 
   // The properties are in the order of its slots.
   const boost::shared_ptr<const TPropertyLayout>& Layout() const { return fLayout; }
-  const TCIMProperty& PropertyAt(std::size_t slot) const { return fProperties[slot]; }
+  TCIMProperty& PropertyAt(std::size_t slot) const { return fProperties[slot]; }
   // Null unless the class declared a reference when the instance was made.
   TReferenceWatch* Watch() const { return fProperties.Watch(); }
 

@@ -30,7 +30,6 @@ const TCIMPropertyDecl* TCIMProperty::GetDeclaration() const { return fBody->Get
 TCIMValue TCIMProperty::GetValue() const { return fBody->Value(); }
 void TCIMProperty::SetValue(const TCIMValue& value) { fBody->SetValue(value); }
 void TCIMProperty::SetValue(TCIMValue&& value) { fBody->SetValue(std::move(value)); }
-bool TCIMProperty::SetFromText(std::string_view text) { return fBody->SetFromText(text); }
 bool TCIMProperty::GetPropagated() const { return !fBody->HasValue(); }
 TCIMValue TCIMProperty::GetPrevValue() const { return fBody->PrevValue(); }
 void TCIMProperty::SetPrevValue(const TCIMValue& value) { fBody->SetPrevValue(value); }

@@ -53,4 +53,4 @@ bool TCIMPropertyDecl::operator==(const TCIMPropertyDecl& other) const {
 bool TCIMPropertyDecl::operator<(const TCIMPropertyDecl& other) const {
   return IsNameLess(*this, other);
 }
-boost::shared_ptr<TCIMPropertyDeclImpl> TCIMPropertyDecl::GetBody() const { return fBody; }
+const boost::shared_ptr<TCIMPropertyDeclImpl>& TCIMPropertyDecl::GetBody() const { return fBody; }

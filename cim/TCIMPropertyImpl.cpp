@@ -63,12 +63,6 @@ void TCIMPropertyImpl::SetValue(TCIMValue&& value) {
   ReplaceValue(std::move(value));
 }
 
-bool TCIMPropertyImpl::SetFromText(std::string_view text) {
-  if (fHasValue) return false;
-  fHasValue = fValue.SetFromText(fDeclaration->GetType(), text);
-  return fHasValue;
-}
-
 void TCIMPropertyImpl::ReplaceValue(TCIMValue&& value) {
   if (value.IsReference()) ReportChange();
   TCIMValue taken(std::move(value));  // may be part of the former value

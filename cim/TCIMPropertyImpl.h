@@ -34,7 +34,13 @@ class ZEL_API TCIMPropertyImpl {
   bool HasValue() const { return fHasValue; }
   void SetValue(const TCIMValue& value);
   void SetValue(TCIMValue&& value);
-  bool SetFromText(std::string_view text);
+  // Sets the value that `text` has in `type`, the declared one, in place. False, with nothing
+  // changed, when there is a value already, and for references, arrays and datetimes that are bad.
+  bool SetFromText(TCIMValue::TCIMType type, std::string_view text) {
+    if (fHasValue) return false;
+    fHasValue = fValue.SetFromText(type, text);
+    return fHasValue;
+  }
 
   const TCIMValue& PrevValue() const;
   bool IsPrevValueDifferent() const { return fPrevDiffers; }

@@ -42,4 +42,4 @@ bool TCIMQualifier::operator==(const TCIMQualifier& other) const {
   return HaveEqualNames(*this, other);
 }
 bool TCIMQualifier::operator<(const TCIMQualifier& other) const { return IsNameLess(*this, other); }
-boost::shared_ptr<TCIMQualifierImpl> TCIMQualifier::GetBody() const { return fBody; }
+const boost::shared_ptr<TCIMQualifierImpl>& TCIMQualifier::GetBody() const { return fBody; }

@@ -46,4 +46,4 @@ bool TCIMQualifierDecl::operator<(const TCIMQualifierDecl& other) const {
   return IsNameLess(*this, other);
 }
 
-boost::shared_ptr<TCIMQualifierDeclImpl> TCIMQualifierDecl::GetBody() const { return fBody; }
+const boost::shared_ptr<TCIMQualifierDeclImpl>& TCIMQualifierDecl::GetBody() const { return fBody; }

@@ -48,4 +48,4 @@ std::string TCIMReference::GetPath() const { return fBody->GetPath(); }
 ICIMElement* TCIMReference::GetCIMElement() const { return fBody->GetCIMElement(*this); }
 bool TCIMReference::operator==(const TCIMReference& other) const { return *fBody == *other.fBody; }
 bool TCIMReference::operator<(const TCIMReference& other) const { return *fBody < *other.fBody; }
-boost::shared_ptr<TCIMReferenceImpl> TCIMReference::GetBody() const { return fBody; }
+const boost::shared_ptr<TCIMReferenceImpl>& TCIMReference::GetBody() const { return fBody; }

@@ -1,6 +1,7 @@
 #include <iterator>
 #include <ostream>
 
+#include "cim/Names.h"
 #include "cim/TypeText.h"
 #include "zelcore/TCIMValue.h"
 #include "zelcore/detail/Ascii.h"
@@ -8,6 +9,7 @@
 
 using zelcore::detail::EqualsIgnoringAsciiCase;
 using zelcore::detail::Fail;
+using zelcore::detail::IsSameText;
 using zelcore::detail::ToAsciiLower;
 using zelcore::detail::TypeText;
 
@@ -48,32 +50,34 @@ struct TTypesByName {
 constexpr TTypesByName kTypesByName;
 static_assert(kTypesByName.fIsPerfect);
 
-TCIMType::ECIMType FindType(std::string_view name) {
-  if (!name.empty()) {
-    const unsigned int code = kTypesByName.fCodes[PlaceOf(name)];
-    const std::string_view text = kTypeTexts[code];
-    if (name == text || EqualsIgnoringAsciiCase(name, text)) return TCIMType::ECIMType(code);
-  }
-  Fail(zelStatusTypeMismatch);
-}
-
 }  // namespace
 
 namespace zelcore::detail {
 
-const char* TypeText(TCIMType type) {
+std::string_view TypeText(TCIMType type) {
   const unsigned int code = type & ~TCIMType::TypeArray;
-  return code < std::size(kTypeTexts) ? kTypeTexts[code].data() : "";
+  return code < std::size(kTypeTexts) ? kTypeTexts[code] : "";
+}
+
+TCIMType::ECIMType TypeNamed(std::string_view name) {
+  if (!name.empty()) {
+    const unsigned int code = kTypesByName.fCodes[PlaceOf(name)];
+    const std::string_view text = kTypeTexts[code];
+    if (IsSameText(name, text) || EqualsIgnoringAsciiCase(name, text)) {
+      return TCIMType::ECIMType(code);
+    }
+  }
+  Fail(zelStatusTypeMismatch);
 }
 
 }  // namespace zelcore::detail
 
-TCIMValue::TCIMType::TCIMType(const std::string& name) : fCode(FindType(name)) {}
+TCIMValue::TCIMType::TCIMType(const std::string& name) : fCode(zelcore::detail::TypeNamed(name)) {}
 
 std::string TCIMValue::TCIMType::ToString() const {
-  std::string text = TypeText(*this);
+  const std::string_view text = TypeText(*this);
   if (text.empty()) Fail(zelStatusTypeMismatch);
-  return text;
+  return std::string(text);
 }
 
 std::ostream& operator<<(std::ostream& out, const TCIMValue::TCIMType& type) {

@@ -1,6 +1,5 @@
 #include "zelcore/TCIMValue.h"
 
-#include <cstring>
 #include <memory>
 #include <new>
 #include <type_traits>
@@ -64,23 +63,11 @@ void TCIMValue::DestroyVariant() {
   VisitVariant(GetType(), Variant(), [](auto& variant) { std::destroy_at(&variant); });
 }
 
-void TCIMValue::Take(TCIMValue& other) noexcept {
-  Clear();
-  fMaxArraySize = std::exchange(other.fMaxArraySize, 0);
-  fReferencedClass = std::exchange(other.fReferencedClass, nullptr);
-  fHasVariant = other.fHasVariant;
-  fType = other.fType;
-  if (fHasVariant && GetType() >= TCIMType::TypeReference) {
-    VisitVariant(GetType(), other.Variant(), [this](auto& variant) {
-      new (fVariant) std::remove_reference_t<decltype(variant)>(std::move(variant));
-    });
-    other.DestroyVariant();
-  } else if (fHasVariant) {
-    // Numbers, texts and datetimes do not know where they stand.
-    std::memcpy(fVariant, other.fVariant, sizeof fVariant);
-  }
-  other.fHasVariant = false;
-  other.fType = TCIMType::TypeNone;
+void TCIMValue::TakeVariant(TCIMValue& other) noexcept {
+  VisitVariant(GetType(), other.Variant(), [this](auto& variant) {
+    new (fVariant) std::remove_reference_t<decltype(variant)>(std::move(variant));
+    std::destroy_at(&variant);
+  });
 }
 
 // The arguments must not be part of the present variant.
@@ -95,8 +82,6 @@ void TCIMValue::MakeVariant(TCIMType type, TArgs&&... args) {
 }
 
 TCIMValue::TCIMValue(const TCIMValue& other) : TCIMValue() { Set(other); }
-
-TCIMValue::TCIMValue(TCIMValue&& other) noexcept : TCIMValue() { Take(other); }
 
 // NOLINTNEXTLINE(bugprone-unhandled-self-assignment): Set() handles it
 TCIMValue& TCIMValue::operator=(const TCIMValue& other) {

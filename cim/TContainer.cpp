@@ -53,4 +53,4 @@ std::vector<TCIMInstance*> TContainer::getDiffInstances() const {
   return fBody->GetDiffInstances();
 }
 bool TContainer::hasDifferences() const { return fBody->HasDifferences(); }
-boost::shared_ptr<TContainerImpl> TContainer::GetBody() const { return fBody; }
+const boost::shared_ptr<TContainerImpl>& TContainer::GetBody() const { return fBody; }

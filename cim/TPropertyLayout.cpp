@@ -7,6 +7,7 @@
 #include "cim/TContainerImpl.h"
 
 using zelcore::detail::EqualsIgnoringAsciiCase;
+using zelcore::detail::IsSameText;
 using zelcore::detail::TNameLess;
 using zelcore::detail::ToAsciiLower;
 using zelcore::detail::TSchemaChanges;
@@ -19,13 +20,15 @@ TPropertyLayout::TPropertyLayout(const TPropertyDecls& decls)
     byName.emplace(TContainerImpl::NormalizeName(decl->GetName()), decl);
   }
   fSlots.reserve(byName.size());
-  for (const auto& [key, decl] : byName) fSlots.push_back({key, decl->GetName(), decl});
+  for (const auto& [key, decl] : byName) {
+    fSlots.push_back({key, decl->GetName(), decl, decl->GetType()});
+  }
   fIsAsDeclared = std::equal(decls.begin(), decls.end(), byName.begin(), byName.end());
 
   BuildIndex();
   fStampSlot = Find("DateTimeOfCollection");
   fHasReferences = std::any_of(fSlots.begin(), fSlots.end(), [](const TSlot& slot) {
-    return slot.decl->GetType() == TCIMValue::TCIMType::TypeReference;
+    return slot.type == TCIMValue::TCIMType::TypeReference;
   });
 }
 
@@ -55,14 +58,20 @@ std::uint32_t TPropertyLayout::Hash(std::string_view name) {
 std::size_t TPropertyLayout::Find(std::string_view name) const {
   if (fSlots.empty()) return kNoSlot;
   constexpr auto kRelaxed = std::memory_order_relaxed;
+  constexpr int kSteps = 3;  // of instances alike, one may leave out what another has
   const std::uint32_t last = fLastAsked.load(kRelaxed);
-  if (fSlots[last].name == name) return last;
-  std::atomic<std::uint32_t>& follower = fFollowers[last];
-  const std::uint32_t expected = follower.load(kRelaxed);
-  const bool isExpected = fSlots[expected].name == name;
-  const std::size_t slot = isExpected ? expected : Search(name);
+  if (IsSameText(fSlots[last].name, name)) return last;
+  std::uint32_t expected = last;
+  for (int step = 0; step < kSteps; ++step) {
+    expected = fFollowers[expected].load(kRelaxed);
+    if (IsSameText(fSlots[expected].name, name)) {
+      fLastAsked.store(expected, kRelaxed);
+      return expected;
+    }
+  }
+  const std::size_t slot = Search(name);
   if (slot == kNoSlot) return kNoSlot;
-  if (!isExpected) follower.store(static_cast<std::uint32_t>(slot), kRelaxed);
+  fFollowers[last].store(static_cast<std::uint32_t>(slot), kRelaxed);
   fLastAsked.store(static_cast<std::uint32_t>(slot), kRelaxed);
   return slot;
 }

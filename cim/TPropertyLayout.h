@@ -30,9 +30,12 @@ class TPropertyLayout {
   std::size_t Size() const { return fSlots.size(); }
   const std::string& Key(std::size_t slot) const { return fSlots[slot].key; }
   TCIMPropertyDecl& Decl(std::size_t slot) const { return *fSlots[slot].decl; }
+  // The declared type as it is now.
+  TCIMValue::TCIMType Type(std::size_t slot) const {
+    return IsCurrent() ? fSlots[slot].type : fSlots[slot].decl->GetType();
+  }
   // Without regard to case; `name` need not be valid. Quickest, in the spelling of the declaration,
-  // for the name that was asked for last, and for the one that was asked for behind it the last
-  // time.
+  // for the name that was asked for last, and for those that were asked for behind it before.
   std::size_t Find(std::string_view name) const;
   // Whether every declaration is called as it was when its class took it.
   bool IsAsDeclared() const { return fIsAsDeclared; }
@@ -61,6 +64,7 @@ class TPropertyLayout {
     std::string key;
     std::string name;  // as declared
     boost::shared_ptr<TCIMPropertyDecl> decl;
+    TCIMValue::TCIMType type;
   };
 
   std::size_t Search(std::string_view name) const;

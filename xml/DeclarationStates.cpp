@@ -126,13 +126,14 @@ void TCIMXMLParser::TStateMethod::EndElement(TCIMXMLParser& parser, std::string&
 
 void TCIMXMLParser::TStatePropertyDecl::HandleAttrs(TCIMXMLParser&, const TAttributes& attributes) {
   fAttributes.Read(attributes);
-  const TCIMType type = fAttributes.type;
+  const TCIMType type = fAttributes.GetType();
   Declare(fIsArray ? TCIMValue(ArrayOf(type), fAttributes.arraySize) : TCIMValue(type, 0));
 }
 
 void TCIMXMLParser::TStatePropertyReferenceDecl::HandleAttrs(TCIMXMLParser& parser,
                                                              const TAttributes& attributes) {
   fAttributes.Read(attributes);
+  fAttributes.GetType();  // without effect, unless it is no type
   TCIMValue value(TCIMType::TypeReference, 0);
   if (!fAttributes.referenceClass.empty()) {
     value.SetReferencedClass(*parser.fContainer.GetClass(std::string(fAttributes.referenceClass)));

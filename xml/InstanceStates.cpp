@@ -3,7 +3,12 @@
 #include <iterator>
 #include <memory>
 
+#include "cim/Names.h"
+#include "cim/TCIMInstanceImpl.h"
+#include "cim/TCIMPropertyImpl.h"
 #include "zelcore/TContainer.h"
+
+using zelcore::detail::IsSameText;
 
 using TCIMType = TCIMValue::TCIMType;
 
@@ -14,30 +19,85 @@ void TCIMXMLParser::TStateInstance::HandleAttrs(TCIMXMLParser& parser,
   TCIMClass* const cls =
       LookUp("class", fClassName, [&] { return parser.fContainer.GetClass(fClassName); });
   std::unique_ptr<TCIMInstance> instance(parser.fContainer.AllocateInstance(cls));
-  fInstance = instance.get();
+  fInstance = instance->GetBody().get();
   fParent.Hold(std::move(instance));
+
+  const boost::shared_ptr<const TPropertyLayout>& layout = fInstance->Layout();
+  fTags = &fTagsOfClasses[layout.get()];
+  if (!fTags->layout) {
+    fTags->layout = layout;
+    fTags->bySlot.resize(layout->Size());
+  }
+  fExpected = &fTags->first;
+}
+
+TCIMXMLParser::TTakenTag TCIMXMLParser::TStateInstance::TakeKnownTag(TCIMXMLParser& parser,
+                                                                     std::string_view rest) {
+  constexpr int kSteps = 4;  // one instance may leave out what another has
+  std::size_t slot = *fExpected;
+  for (int step = 0; step < kSteps && slot != kNone; ++step) {
+    TPropertyTag& known = fTags->bySlot[slot];
+    const std::string& text = known.tag.text;
+    if (!text.empty() && IsSameText(rest.substr(0, text.size()), text)) {
+      fExpected = &known.next;
+      Enter(parser, *known.state);
+      known.state->Start(slot, known.arraySize);
+      return {known.tag.read, known.tag.nameSize};
+    }
+    slot = known.next;
+  }
+  return {};
+}
+
+void TCIMXMLParser::TStateInstance::Remember(const TKnownTag& tag, std::size_t slot,
+                                             TStateProperty& property) {
+  TPropertyTag& known = fTags->bySlot[slot];
+  if (!tag.text.empty()) {
+    known.tag = tag;
+    known.state = &property;
+    known.arraySize = property.GetArraySize();
+  }
+  *fExpected = slot;
+  fExpected = &known.next;
 }
 
 void TCIMXMLParser::TStateProperty::HandleAttrs(TCIMXMLParser& parser,
                                                 const TAttributes& attributes) {
   fAttributes.Read(attributes);
-  const TCIMInstance& instance = fInstance.GetInstance();
-  fProperty = instance.FindPropertyNamed(fAttributes.name);
-  if (!fProperty) {
+  const TCIMInstanceImpl& instance = fInstance.GetInstance();
+  const std::size_t slot = instance.Layout()->Find(fAttributes.name);
+  if (slot == TPropertyLayout::kNoSlot) {
+    fAttributes.GetType();  // refuses a bad one first
     LookUp("property", fAttributes.name,
            [&] { return instance.GetProperty(std::string(fAttributes.name)); });
   }
-  fType = fProperty->GetType();
-  fMaxArraySize = fAttributes.arraySize;
-  fValue.reset();
-  const TCIMType given = fAttributes.type;
+  Start(slot, fAttributes.arraySize);
+  const TCIMType given = fAttributes.GetType();
   if (given != TCIMType::TypeNone && (fIsArray ? ArrayOf(given) : given) != fType) {
     parser.FatalError("Property type != property declaration type");
   }
+  fInstance.Remember(parser.GetTag(), slot, *this);
+}
+
+void TCIMXMLParser::TStateProperty::Start(std::size_t slot, unsigned int arraySize) {
+  const TCIMInstanceImpl& instance = fInstance.GetInstance();
+  fProperty = instance.PropertyAt(slot).GetBody();
+  fType = instance.Layout()->Type(slot);
+  fMaxArraySize = arraySize;
+  fValue.reset();
 }
 
 void TCIMXMLParser::TStateProperty::TakeText(TCIMXMLParser& parser, std::string_view text) {
-  if (fValue || !fProperty->SetFromText(text)) TValueSlot::TakeText(parser, text);
+  if (fValue || !fProperty->SetFromText(fType, text)) TValueSlot::TakeText(parser, text);
+}
+
+// The first value is set at once; what can be refused waits for the end of the element.
+void TCIMXMLParser::TStateProperty::Take(TCIMValue&& value) {
+  if (fValue || fProperty->HasValue() || value.GetType() != fType || value.IsReference()) {
+    TValueSlot::Take(std::move(value));
+  } else {
+    fProperty->SetValue(std::move(value));
+  }
 }
 
 void TCIMXMLParser::TStateProperty::EndElement(TCIMXMLParser& parser, std::string& name) {

@@ -1,8 +1,14 @@
 #pragma once
 
+#include <boost/shared_ptr.hpp>
+#include <unordered_map>
+
 #include "xml/DocumentStates.h"
 #include "zelcore/TCIMInstance.h"
-#include "zelcore/TCIMProperty.h"
+
+class TCIMInstanceImpl;
+class TCIMPropertyImpl;
+class TPropertyLayout;
 
 // Instances, their properties, and values.
 
@@ -10,26 +16,57 @@
 class TCIMXMLParser::TStateInstance : public TTableState, public IQualifierTarget {
  public:
   explicit TStateInstance(TCIMXMLParser& parser)
-      : TTableState(kChildren), fParent(parser.CurrentAs<TObjectState>()) {}
+      : TTableState(kChildren), fParent(parser.CurrentAs<TObjectState>()) {
+    fAwaited.knownTags = fAwaited.keptTags = true;
+  }
   static const TChildRule kChildren[];
   void HandleAttrs(TCIMXMLParser& parser, const TAttributes& attributes) override;
+  TTakenTag TakeKnownTag(TCIMXMLParser& parser, std::string_view rest) override;
   ICIMAllowQualifiers* GetQualified() override { return nullptr; }
-  const TCIMInstance& GetInstance() const { return *fInstance; }
+  const TCIMInstanceImpl& GetInstance() const { return *fInstance; }
+
+  // That the tag just read starts `property`, which stands at `slot`.
+  void Remember(const TKnownTag& tag, std::size_t slot, TStateProperty& property);
 
  private:
+  static constexpr std::size_t kNone = static_cast<std::size_t>(-1);
+
+  struct TPropertyTag {
+    TKnownTag tag;  // without text: none has been read
+    TStateProperty* state = nullptr;
+    unsigned int arraySize = 0;
+    std::size_t next = kNone;  // the slot of the property that is expected behind it
+  };
+  // The tags of the properties of one class: its instances are mostly written alike.
+  struct TPropertyTags {
+    boost::shared_ptr<const TPropertyLayout> layout;
+    std::vector<TPropertyTag> bySlot;
+    std::size_t first = kNone;
+  };
+
   TObjectState& fParent;
   std::string fClassName;
-  const TCIMInstance* fInstance = nullptr;
+  const TCIMInstanceImpl* fInstance = nullptr;
+  std::unordered_map<const TPropertyLayout*, TPropertyTags> fTagsOfClasses;
+  TPropertyTags* fTags = nullptr;    // of this instance's class
+  std::size_t* fExpected = nullptr;  // the slot of the next property, in fTags
 };
 
 class TCIMXMLParser::TStateProperty : public TTableState,
                                       public TValueSlot,
                                       public IQualifierTarget {
  public:
-  explicit TStateProperty(TCIMXMLParser& parser) : TStateProperty(parser, kChildren, false) {}
+  explicit TStateProperty(TCIMXMLParser& parser) : TStateProperty(parser, kChildren, false) {
+    fAwaited.leaf = "VALUE";
+  }
   static const TChildRule kChildren[];
   void HandleAttrs(TCIMXMLParser& parser, const TAttributes& attributes) override;
+  // What HandleAttrs() does for attributes that name this property and are right.
+  void Start(std::size_t slot, unsigned int arraySize);
+  unsigned int GetArraySize() const { return fMaxArraySize; }
+  void Take(TCIMValue&& value) override;
   void TakeText(TCIMXMLParser& parser, std::string_view text) override;
+  void TakeLeaf(TCIMXMLParser& parser, std::string_view text) override { TakeText(parser, text); }
   void EndElement(TCIMXMLParser& parser, std::string& name) override;
   ICIMAllowQualifiers* GetQualified() override { return nullptr; }
 
@@ -41,19 +78,23 @@ class TCIMXMLParser::TStateProperty : public TTableState,
   TStateInstance& fInstance;
   const bool fIsArray;
   TPropertyAttributes fAttributes;
-  TCIMProperty* fProperty = nullptr;
+  TCIMPropertyImpl* fProperty = nullptr;
 };
 
 class TCIMXMLParser::TStatePropertyArray : public TStateProperty {
  public:
-  explicit TStatePropertyArray(TCIMXMLParser& parser) : TStateProperty(parser, kChildren, true) {}
+  explicit TStatePropertyArray(TCIMXMLParser& parser) : TStateProperty(parser, kChildren, true) {
+    fAwaited.knownTags = true;
+  }
   static const TChildRule kChildren[];
 };
 
 class TCIMXMLParser::TStatePropertyReference : public TStateProperty, public IReferenceSlot {
  public:
   explicit TStatePropertyReference(TCIMXMLParser& parser)
-      : TStateProperty(parser, kChildren, false) {}
+      : TStateProperty(parser, kChildren, false) {
+    fAwaited.knownTags = true;
+  }
   static const TChildRule kChildren[];
   void TakeReference(TCIMXMLParser&, TCIMReference&& reference) override {
     Take(TCIMValue(std::move(reference)));
@@ -64,7 +105,7 @@ class TCIMXMLParser::TStateValue : public TTableState {
  public:
   explicit TStateValue(TCIMXMLParser& parser)
       : TTableState(kNoChildren), fSlot(parser.CurrentAs<TValueSlot>()) {
-    fTakesText = true;
+    fAwaited.text = true;
   }
   void EndElement(TCIMXMLParser& parser, std::string& name) override;
 
@@ -75,12 +116,15 @@ class TCIMXMLParser::TStateValue : public TTableState {
 class TCIMXMLParser::TStateValueArray : public TTableState, public TValueSlot {
  public:
   explicit TStateValueArray(TCIMXMLParser& parser)
-      : TTableState(kChildren), fSlot(parser.CurrentAs<TValueSlot>()) {}
+      : TTableState(kChildren), fSlot(parser.CurrentAs<TValueSlot>()) {
+    fAwaited.leaf = "VALUE";
+  }
   static const TChildRule kChildren[];
   void HandleAttrs(TCIMXMLParser& parser, const TAttributes& attributes) override;
   void EndElement(TCIMXMLParser& parser, std::string& name) override;
   void Take(TCIMValue&& element) override { fElements.push_back(std::move(element)); }
   void TakeText(TCIMXMLParser& parser, std::string_view text) override;
+  void TakeLeaf(TCIMXMLParser& parser, std::string_view text) override { TakeText(parser, text); }
 
  private:
   TValueSlot& fSlot;

@@ -119,11 +119,16 @@ class TCIMXMLParser::TStateInstanceName : public TTableState, public IKeySlot {
 class TCIMXMLParser::TStateKeyBinding : public TTableState, public IKeySlot {
  public:
   explicit TStateKeyBinding(TCIMXMLParser& parser)
-      : TTableState(kChildren), fInstance(parser.CurrentAs<TStateInstanceName>()) {}
+      : TTableState(kChildren), fInstance(parser.CurrentAs<TStateInstanceName>()) {
+    fAwaited.leaf = "KEYVALUE";
+  }
   static const TChildRule kChildren[];
   void HandleAttrs(TCIMXMLParser& parser, const TAttributes& attributes) override;
   void EndElement(TCIMXMLParser& parser, std::string& name) override;
   void TakeKeyText(TCIMXMLParser& parser, std::string_view text) override;
+  void TakeLeaf(TCIMXMLParser& parser, std::string_view text) override {
+    TakeKeyText(parser, text);
+  }
   void TakeReference(TCIMXMLParser& parser, TCIMReference&& reference) override;
 
  private:
@@ -137,7 +142,7 @@ class TCIMXMLParser::TStateKeyValue : public TTableState {
  public:
   explicit TStateKeyValue(TCIMXMLParser& parser)
       : TTableState(kNoChildren), fParent(parser.CurrentAs<IKeySlot>()) {
-    fTakesText = true;
+    fAwaited.text = true;
   }
   void EndElement(TCIMXMLParser& parser, std::string& name) override;
 

@@ -24,7 +24,11 @@ using zelcore::detail::Text;
 
 namespace {
 
-using TBuffer = boost::shared_ptr<char[]>;
+// A text that may be written to, and a NUL behind it.
+struct TDocument {
+  boost::shared_ptr<char[]> text;
+  std::size_t size;
+};
 
 constexpr std::size_t kMaxDocumentSize = 0x6400000;  // 100 MiB of text
 
@@ -32,14 +36,17 @@ constexpr std::size_t kHugePage = 1 << 21;
 
 // Room for `size` bytes and the NUL that ends the document; not cleared. A large document gets huge
 // pages: to fault them in by the 4 KiB takes longer than to read the file.
-TBuffer AllocateBuffer(std::size_t size) {
+TDocument Allocate(std::size_t size) {
   if (size > kMaxDocumentSize) Fail(zelStatusInvalidSpecificationDocument);
   const bool isLarge = size >= kHugePage;
   const std::size_t room = isLarge ? (size / kHugePage + 1) * kHugePage : size + 1;
   void* const bytes = isLarge ? std::aligned_alloc(kHugePage, room) : std::malloc(room);
   if (!bytes) Fail(zelStatusOutOfMemory);
   if (isLarge) madvise(bytes, room, MADV_HUGEPAGE);  // advice: a refusal does no harm
-  return TBuffer(static_cast<char*>(bytes), std::free);
+  return {
+      {static_cast<char*>(bytes), std::free},
+      size
+  };
 }
 
 // The length of the text that a gzip file says it holds, checked for the magic number in front.
@@ -57,31 +64,31 @@ std::size_t ReadGzipLength(const std::string& path) {
   return length[0] | length[1] << 8 | length[2] << 16 | static_cast<std::size_t>(length[3]) << 24;
 }
 
-TBuffer ReadGzip(const std::string& path) {
+TDocument ReadGzip(const std::string& path) {
   const std::size_t length = ReadGzipLength(path);
-  TBuffer buffer = AllocateBuffer(length);
+  TDocument document = Allocate(length);
   const std::unique_ptr<gzFile_s, int (*)(gzFile)> file(gzopen(path.c_str(), "rb"), gzclose);
   if (!file) Fail(zelStatusFileSystemError);
   // One byte more is asked for, so that a file that holds more than it says is noticed.
-  const int count = gzread(file.get(), buffer.get(), static_cast<unsigned int>(length + 1));
+  const int count = gzread(file.get(), document.text.get(), static_cast<unsigned int>(length + 1));
   if (count < 0 || static_cast<std::size_t>(count) != length) Fail(zelStatusCorruptGzipFile);
-  buffer.get()[length] = '\0';
-  return buffer;
+  document.text[static_cast<std::ptrdiff_t>(length)] = '\0';
+  return document;
 }
 
-TBuffer ReadPlain(const std::string& path, std::size_t size) {
-  TBuffer buffer = AllocateBuffer(size);
+TDocument ReadPlain(const std::string& path, std::size_t size) {
+  TDocument document = Allocate(size);
   const std::unique_ptr<std::FILE, int (*)(std::FILE*)> file(std::fopen(path.c_str(), "r"),
                                                              std::fclose);
   if (!file) Fail(zelStatusFileSystemError);
   // The file may have shrunk since it was measured.
-  const std::size_t count = std::fread(buffer.get(), 1, size, file.get());
+  document.size = std::fread(document.text.get(), 1, size, file.get());
   if (std::ferror(file.get())) Fail(zelStatusFileSystemError);
-  buffer.get()[count] = '\0';
-  return buffer;
+  document.text[static_cast<std::ptrdiff_t>(document.size)] = '\0';
+  return document;
 }
 
-TBuffer ReadDocument(const std::string& path) {
+TDocument ReadDocument(const std::string& path) {
   try {
     const std::size_t size = TOSSpecific::GetFileSize(path);
     // To open a FIFO or a device, or to read it, may take for ever.
@@ -96,10 +103,10 @@ TBuffer ReadDocument(const std::string& path) {
 }  // namespace
 
 std::vector<TCIMClass*> TContainerImpl::PopulateContainerFromFile(const std::string& path) {
-  const TBuffer document = ReadDocument(path);
+  const TDocument document = ReadDocument(path);
   TCIMXMLParser parser(*fOwner);
   try {
-    parser.Parse(document.get());
+    parser.Parse(document.text.get(), document.size);
   } catch (const TZELException& failure) {
     Fail(failure.GetStatusCode(), Text("Previous error was while parsing file '", path, "'"));
   }

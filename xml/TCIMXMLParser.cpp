@@ -4,6 +4,7 @@
 #include <locale>
 #include <sstream>
 
+#include "cim/TypeText.h"
 #include "xml/DocumentStates.h"
 #include "zelcore/TCIMDateTime.h"
 #include "zelcore/detail/Fail.h"
@@ -52,7 +53,9 @@ constexpr TFlavorRow kFlavors[] = {
 }  // namespace
 
 TCIMXMLParser::TCIMXMLParser(TContainer& container)
-    : fContainer(container), fStart(new TStateStart()), fStates{fStart.get()} {}
+    : fContainer(container), fStart(new TStateStart()) {
+  Push(*fStart);
+}
 
 TCIMXMLParser::~TCIMXMLParser() = default;
 
@@ -60,6 +63,23 @@ void TCIMXMLParser::PassOn(const TZELException& failure) {
   LogCore(zelLogError,
           Text("TCIMXMLParser: Threw exception ", failure.what(), " on line ", GetCurLine()));
   throw TZELException(failure.GetStatusCode());
+}
+
+void TCIMXMLParser::Push(TParseState& state) {
+  fStates.push_back(&state);
+  AwaitChildren();
+}
+
+void TCIMXMLParser::Pop() {
+  fStates.pop_back();
+  AwaitChildren();
+}
+
+void TCIMXMLParser::AwaitChildren() {
+  static constexpr TAwaited kNothing{false, {}, false, false};
+  const TAwaited& awaited = fStates.back()->fAwaited;
+  const bool isFull = fStates.size() >= TParseState::kMaxOpenStates;
+  Await(isFull && !awaited.text ? kNothing : awaited);
 }
 
 void TCIMXMLParser::StartElement(const char* name, TAttributeMap& attributes) {
@@ -83,16 +103,26 @@ void TCIMXMLParser::EndElement(const char* /*name*/) {
   }
 }
 
+void TCIMXMLParser::Leaf(std::string_view text) {
+  try {
+    fStates.back()->TakeLeaf(*this, text);
+  } catch (const TZELException& failure) {
+    PassOn(failure);
+  }
+}
+
+TCIMXMLParser::TTakenTag TCIMXMLParser::TakeKnownTag(std::string_view rest) {
+  return fStates.back()->TakeKnownTag(*this, rest);
+}
+
 void TCIMXMLParser::processingInstruction(const char*, const char*) {}
 
 // White space between elements and text that nobody asks for is not gathered.
 void TCIMXMLParser::characters(const char* text, unsigned int /*length*/) {
-  if (fStates.back()->TakesText()) fText.AddCopy(text);
+  if (GetAwaited().text) fText.AddCopy(text);
 }
 
-void TCIMXMLParser::TextRun(std::string_view text) {
-  if (fStates.back()->TakesText()) fText.AddRun(text);
-}
+void TCIMXMLParser::TextRun(std::string_view text) { fText.AddRun(text); }
 
 void TCIMXMLParser::notationDecl(const char*, const char*, const char*) {}
 
@@ -110,7 +140,7 @@ bool TCIMXMLParser::HandleCIMName(const TAttribute& attribute, std::string& name
 
 bool TCIMXMLParser::HandleCIMType(const TAttribute& attribute, TCIMValue::TCIMType& type) {
   if (!IsNamed(attribute, "type")) return false;
-  type = TCIMValue::TCIMType(std::string(attribute.value));
+  type = zelcore::detail::TypeNamed(attribute.value);
   return true;
 }
 
@@ -156,12 +186,16 @@ bool TCIMXMLParser::HandleReferenceClass(const TAttribute& attribute, std::strin
 void TCIMXMLParser::TPropertyAttributes::Read(const TAttributes& attributes) {
   *this = {};
   for (const TAttribute& attribute : attributes) {
-    HandleText(attribute, "name", name) || HandleCIMType(attribute, type) ||
+    HandleText(attribute, "name", name) || HandleText(attribute, "type", type) ||
         HandleArraySize(attribute, arraySize) ||
         HandleText(attribute, "referenceclass", referenceClass) ||
         HandleText(attribute, "classorigin", classOrigin) ||
         HandlePropagated(attribute, propagated);
   }
+}
+
+TCIMValue::TCIMType TCIMXMLParser::TPropertyAttributes::GetType() const {
+  return type.data() ? zelcore::detail::TypeNamed(type) : TCIMValue::TCIMType::TypeNone;
 }
 
 bool TCIMXMLParser::ConvertBool(std::string_view text) {

@@ -75,6 +75,8 @@ class ZEL_API TCIMXMLParser : public TXmlParser {
  protected:
   void StartTag(std::string_view name, const TAttributes& attributes) override;
   void TextRun(std::string_view text) override;
+  void Leaf(std::string_view text) override;
+  TTakenTag TakeKnownTag(std::string_view rest) override;
 
   struct TChildRule;
   class TTableState;
@@ -137,6 +139,10 @@ class ZEL_API TCIMXMLParser : public TXmlParser {
 
   template <class TState>
   static std::unique_ptr<TParseState> Make(TCIMXMLParser& parser);
+
+  void Push(TParseState& state);
+  void Pop();
+  void AwaitChildren();
 
   // Logs a failure at the current element, and throws it anew.
   [[noreturn]] void PassOn(const TZELException& failure);

@@ -1,15 +1,13 @@
 #include "xml/TParseState.h"
 
+#include "cim/Names.h"
 #include "zelcore/detail/Ascii.h"
 
 using zelcore::detail::EqualsIgnoringAsciiCase;
+using zelcore::detail::IsSameText;
 using zelcore::detail::ToAsciiLower;
 
 namespace {
-
-// Only references in the keys of references open more than a dozen elements at once. Each level
-// takes two to four: at least 60 references fit into each other.
-constexpr std::size_t kMaxOpenStates = 256;
 
 // Deeper ones are not kept for reuse, so that what is kept stays small.
 constexpr std::size_t kMaxKeptDepth = 24;
@@ -17,7 +15,7 @@ constexpr std::size_t kMaxKeptDepth = 24;
 }  // namespace
 
 void TCIMXMLParser::TParseState::EndElement(TCIMXMLParser& parser, std::string& /*name*/) {
-  parser.fStates.pop_back();
+  parser.Pop();
   if (parser.fStates.size() >= kMaxKeptDepth) fHome->reset();  // the end of this state
 }
 
@@ -25,11 +23,28 @@ void TCIMXMLParser::TTableState::StartElement(TCIMXMLParser& parser, std::string
                                               const TAttributes& attributes) {
   if (parser.fStates.size() >= kMaxOpenStates) RefuseElement(parser, name);
   // Most children are called as the one before.
-  if (!*fLastChild || (*fLastChild)->fName != name) fLastChild = &FindChild(parser, name);
+  if (!*fLastChild || !IsSameText((*fLastChild)->fName, name))
+    fLastChild = &FindChild(parser, name);
   TParseState& child = **fLastChild;
-  parser.fStates.push_back(&child);
-  parser.fText.Clear();
+  Enter(parser, child);
   child.HandleAttrs(parser, attributes);
+}
+
+TCIMXMLParser::TTakenTag TCIMXMLParser::TTableState::TakeKnownTag(TCIMXMLParser& parser,
+                                                                  std::string_view rest) {
+  if (!*fLastChild) return {};
+  TParseState& child = **fLastChild;
+  const std::size_t nameSize = child.fName.size();
+  const std::string_view tag = rest.substr(0, nameSize + 1);
+  if (!IsSameText(tag.substr(0, nameSize), child.fName) || tag.back() != '>') return {};
+  Enter(parser, child);
+  child.HandleAttrs(parser, {});
+  return {tag, nameSize};
+}
+
+void TCIMXMLParser::TTableState::Enter(TCIMXMLParser& parser, TParseState& child) {
+  parser.Push(child);
+  parser.fText.Clear();
 }
 
 // The state of that child, made where there is none yet.

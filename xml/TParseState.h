@@ -22,11 +22,17 @@ class TCIMXMLParser::TParseState {
   // Takes this state off the stack. Overriders finish their work first and call this last.
   virtual void EndElement(TCIMXMLParser& parser, std::string& name);
   virtual void HandleAttrs(TCIMXMLParser&, const TAttributes&) {}
+  // The text of a child that is called fAwaited.leaf: what the child's state would do with it.
+  virtual void TakeLeaf(TCIMXMLParser&, std::string_view /*text*/) {}
+  // Starts the child that `rest` begins with, if it is known by its tag.
+  virtual TTakenTag TakeKnownTag(TCIMXMLParser&, std::string_view /*rest*/) { return {}; }
 
-  bool TakesText() const { return fTakesText; }
+  // Only references in the keys of references open more than a dozen elements at once. Each level
+  // takes two to four: at least 60 references fit into each other.
+  static constexpr std::size_t kMaxOpenStates = 256;
 
  protected:
-  bool fTakesText = false;
+  TAwaited fAwaited{false, {}, false, false};
 
  private:
   friend class TCIMXMLParser;
@@ -50,8 +56,11 @@ class TCIMXMLParser::TTableState : public TParseState {
   static const TChildRule kNoChildren[];
   void StartElement(TCIMXMLParser& parser, std::string_view name,
                     const TAttributes& attributes) override;
+  // Knows the child before by its name, when it has no attributes.
+  TTakenTag TakeKnownTag(TCIMXMLParser& parser, std::string_view rest) override;
 
  protected:
+  static void Enter(TCIMXMLParser& parser, TParseState& child);
   [[noreturn]] static void RefuseElement(TCIMXMLParser& parser, std::string_view name);
 
  private:
@@ -126,8 +135,11 @@ class TCIMXMLParser::IPathSlot {
 struct TCIMXMLParser::TPropertyAttributes {
   void Read(const TAttributes& attributes);
 
+  // TypeNone where none is given. Throws zelStatusTypeMismatch for a name that is no type's.
+  TCIMValue::TCIMType GetType() const;
+
   std::string_view name;
-  TCIMValue::TCIMType type = TCIMValue::TCIMType::TypeNone;
+  std::string_view type;
   unsigned int arraySize = 0;
   std::string_view referenceClass;
   // Without effect: a document writes a class's own properties only.

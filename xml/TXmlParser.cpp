@@ -7,6 +7,11 @@
 #include <set>
 #include <utility>
 
+#ifdef __SSE2__
+#include <emmintrin.h>
+#endif
+
+#include "cim/Names.h"
 #include "zelcore/detail/Ascii.h"
 
 // One member per rule. A byte is looked up once in a table of classes; the hot loops walk the
@@ -16,6 +21,7 @@
 
 using zelcore::detail::IsAsciiDigit;
 using zelcore::detail::IsAsciiLetter;
+using zelcore::detail::IsSameText;
 using zelcore::detail::ToAsciiLower;
 
 namespace {
@@ -61,6 +67,20 @@ template <EByteClass kClass>
     if (!Is(at[2], kClass)) return at + 2;
     if (!Is(at[3], kClass)) return at + 3;
   }
+}
+
+// FindNot<kInText>() for runs that are longer. The document's NUL is at `end`.
+[[gnu::always_inline]] inline char* FindTextEnd(char* at, [[maybe_unused]] const char* end) {
+#ifdef __SSE2__
+  for (; end - at >= 16; at += 16) {
+    const __m128i block = _mm_loadu_si128(reinterpret_cast<const __m128i*>(at));
+    const auto has = [&](char c) { return _mm_cmpeq_epi8(block, _mm_set1_epi8(c)); };
+    const __m128i found = _mm_or_si128(_mm_or_si128(has('<'), has('&')), has('\0'));
+    const int places = _mm_movemask_epi8(found);
+    if (places != 0) return at + __builtin_ctz(static_cast<unsigned int>(places));
+  }
+#endif
+  return FindNot<kInText>(at);
 }
 
 char* SkipSpace(char* at) {
@@ -224,12 +244,18 @@ class TXmlParser::TAttributeMaps {
   std::array<TAttributeMap, 32> fMaps;
 };
 
-TXmlParser::TXmlParser() = default;
+TXmlParser::TXmlParser() {
+  static constexpr TAwaited kAllText;
+  Await(kAllText);
+}
 
 TXmlParser::~TXmlParser() = default;
 
-void TXmlParser::Parse(char* buffer) {
+void TXmlParser::Parse(char* buffer) { Parse(buffer, std::strlen(buffer)); }
+
+void TXmlParser::Parse(char* buffer, std::size_t size) {
   fStart = fPosition = fCountedTo = buffer;
+  fEnd = buffer + size;
   fCountedLines = 0;
   ParseProlog();
   ParseElement();
@@ -262,6 +288,10 @@ inline bool TXmlParser::Take(char wanted) {
   }
   GetChar();
   return false;
+}
+
+inline bool TXmlParser::StandsAt(const char* at, std::string_view text) const {
+  return static_cast<std::size_t>(fEnd - at) >= text.size() && IsSameText({at, text.size()}, text);
 }
 
 // name := [A-Za-z_:] [A-Za-z0-9._:-]*
@@ -363,7 +393,9 @@ bool TXmlParser::ParseElement() {
   TOpenElements open(*this);
   TAttributeList attributes;
   do {
-    if (!ParseStartTag(open, attributes) || !ParseContent(open)) return false;
+    const bool isKnown = fAwaited->knownTags && ReadKnownTag(open);
+    if (!isKnown && !ParseStartTag(open, attributes)) return false;
+    if (!ParseContent(open)) return false;
   } while (!open.IsEmpty());
   return true;
 }
@@ -376,6 +408,7 @@ bool TXmlParser::ParseElement() {
   if (!ReadName()) return false;
   char* const nameEnd = fPosition;
   attributes.Clear();
+  fTagNames.clear();
   while (ReadWhitespace() && PeekChar() != '/' && PeekChar() != '>') {
     if (!ParseAttribute(attributes)) return false;
   }
@@ -383,13 +416,65 @@ bool TXmlParser::ParseElement() {
   if (isEmpty) ++fPosition;
   if (!Take('>')) return Refuse("Unexpected character before end of element");
 
+  const std::string_view tag(name, static_cast<std::size_t>(nameEnd - name));
+  // An open element hides a line feed behind its name from the count of lines.
+  const bool isLeaf = !isEmpty && *nameEnd != '\n' && IsSameText(tag, fAwaited->leaf);
+  if (isLeaf && ReadLeaf(tag, fPosition)) return true;
+  if (fAwaited->keptTags) KeepTag(name, isEmpty ? 0 : tag.size(), attributes.Get());
   open.Push(name, nameEnd);
-  StartTag({name, static_cast<std::size_t>(nameEnd - name)}, attributes.Get());
+  StartTag(tag, attributes.Get());
+  fTag.text.clear();
   if (isEmpty) {
     EndElement(name);
     open.Pop();
   }
   return true;
+}
+
+// leaf := '<' name '>' text '</' name '>'      Nothing is read, and false returned, where anything
+// else stands.
+[[gnu::always_inline]] inline bool TXmlParser::ReadPlainLeaf() {
+  const std::string_view name = fAwaited->leaf;
+  if (name.empty() || !StandsAt(fPosition + 1, name)) return false;
+  char* const tagEnd = fPosition + 1 + name.size();
+  return *tagEnd == '>' && ReadLeaf(name, tagEnd + 1);
+}
+
+// The same from `text` on.
+[[gnu::always_inline]] inline bool TXmlParser::ReadLeaf(std::string_view name, char* text) {
+  char* const textEnd = FindTextEnd(text, fEnd);
+  if (textEnd[0] != '<' || textEnd[1] != '/' || !StandsAt(textEnd + 2, name)) return false;
+  char* const tagEnd = textEnd + 2 + name.size();
+  if (*tagEnd != '>') return false;
+  fPosition = tagEnd + 1;
+  Leaf({text, static_cast<std::size_t>(textEnd - text)});
+  return true;
+}
+
+[[gnu::always_inline]] inline bool TXmlParser::ReadKnownTag(TOpenElements& open) {
+  if (PeekChar() != '<') return false;
+  char* const name = fPosition + 1;
+  const TTakenTag tag = TakeKnownTag({name, static_cast<std::size_t>(fEnd - name)});
+  if (tag.read.empty()) return false;
+  std::memmove(name, tag.read.data(), tag.read.size());
+  fPosition = name + tag.read.size();
+  open.Push(name, name + tag.nameSize);
+  return true;
+}
+
+// A tag without content is not worth it.
+void TXmlParser::KeepTag(const char* name, std::size_t nameSize, const TAttributes& attributes) {
+  fTag.nameSize = nameSize;
+  fTag.text.clear();
+  if (nameSize == 0) return;
+  fTag.read.assign(name, static_cast<std::size_t>(fPosition - name));
+  fTag.text = fTag.read;
+  std::size_t taken = 0;
+  for (const TAttribute& attribute : attributes) {
+    const auto at = static_cast<std::size_t>(attribute.name.data() - name);
+    fTagNames.copy(fTag.text.data() + at, attribute.name.size(), taken);
+    taken += attribute.name.size();
+  }
 }
 
 // attribute := name '=' ('"' value '"' | "'" value "'")
@@ -411,6 +496,7 @@ bool TXmlParser::ParseElement() {
   }
   if (*valueEnd != quote) return RefuseAt(valueEnd, "Unexpected character in attribute value");
 
+  if (fAwaited->keptTags) fTagNames.append(name, nameEnd);
   for (char* c = name; c != nameEnd; ++c) *c = ToAsciiLower(*c);
   fPosition = valueEnd + 1;
   return attributes.Add({name, static_cast<std::size_t>(nameEnd - name)},
@@ -423,6 +509,7 @@ bool TXmlParser::ParseElement() {
 inline bool TXmlParser::ParseContent(TOpenElements& open) {
   while (!open.IsEmpty()) {
     ReadCharData();
+    if (PeekChar() == '<' && ReadPlainLeaf()) continue;
     if (!Take('<')) return Refuse("Unexpected character where element expected");
     const char next = PeekChar();
     if (next == '/') {
@@ -440,12 +527,11 @@ inline bool TXmlParser::ParseContent(TOpenElements& open) {
 // endTag := '</' name '>'      The '</' has been read.
 [[gnu::always_inline]] inline bool TXmlParser::ParseEndTag(TOpenElements& open) {
   const std::string_view name = open.GetName();
-  char* ended = fPosition;
-  for (const char c : name) {
-    if (*ended++ != c) return ReadName() && Refuse("Start and end element names don't match");
+  if (!StandsAt(fPosition, name)) {
+    return ReadName() && Refuse("Start and end element names don't match");
   }
   // sic: only as much as the start tag says is compared, so </abcd> ends <abc>.
-  fPosition = FindNot<kInName>(ended);
+  fPosition = FindNot<kInName>(fPosition + name.size());
   ReadWhitespace();
   if (!Take('>')) return Refuse("Unexpected character before end of element");
   EndElement(name.data());
@@ -458,9 +544,10 @@ inline bool TXmlParser::ParseContent(TOpenElements& open) {
   bool hasReported = false;
   for (;;) {
     char* const text = fPosition;
-    fPosition = FindNot<kInText>(text);
+    fPosition = SkipSpace(text);
+    if (Is(*fPosition, kInText)) fPosition = FindTextEnd(fPosition, fEnd);
     if (fPosition != text) {
-      TextRun({text, static_cast<std::size_t>(fPosition - text)});
+      if (fAwaited->text) TextRun({text, static_cast<std::size_t>(fPosition - text)});
       hasReported = true;
     }
     if (PeekChar() != '&') return hasReported;

@@ -46,6 +46,8 @@ class ZEL_API TXmlParser {
   // comment, processing instruction or DOCTYPE and a "<!" that opens no comment end the parse
   // without a word.
   void Parse(char* buffer);
+  // The same of a document whose NUL is known to stand behind `size` bytes.
+  void Parse(char* buffer, std::size_t size);
 
   // 1 plus the line feeds that stand in the buffer before the current position. A line feed right
   // behind the name of an open element is covered by a NUL then, and not counted.
@@ -71,6 +73,40 @@ class ZEL_API TXmlParser {
   virtual void StartTag(std::string_view name, const TAttributes& attributes);
   // `text` stands in the buffer, with no NUL in it, nor behind it.
   virtual void TextRun(std::string_view text);
+  // The element that is awaited as a whole; the end tag has been read. StartTag(), TextRun() and
+  // EndElement() do not hear of it.
+  virtual void Leaf(std::string_view /*text*/) {}
+
+  // A start tag that has been read.
+  struct TKnownTag {
+    std::string text;  // what stood behind the '<', up to the '>'; "" where none has been kept
+    std::string read;  // the same with the names of the attributes lowercased
+    std::size_t nameSize = 0;
+  };
+  // The tag that StartTag() is told of, where tags are to be kept.
+  const TKnownTag& GetTag() const { return fTag; }
+
+  // What is to be made of a tag that was known.
+  struct TTakenTag {
+    std::string_view read;  // what is to stand in its place; "": the tag is not known
+    std::size_t nameSize = 0;
+  };
+  // Starts the element whose tag `rest`, the document behind a '<', begins with, if the subclass
+  // knows it. StartTag() does not hear of it then.
+  virtual TTakenTag TakeKnownTag(std::string_view /*rest*/) { return {}; }
+
+  // What the open element is good for.
+  struct TAwaited {
+    bool text = true;  // else TextRun() is not called
+    // Leaf() is called for a child of this name, whatever its attributes, with nothing but one run
+    // of text in it, or nothing.
+    std::string_view leaf;
+    bool knownTags = false;  // TakeKnownTag() is called for its children
+    bool keptTags = false;   // GetTag() has those that are not known
+  };
+  // What `awaited` says holds from now on. It must outlive the call of Parse().
+  void Await(const TAwaited& awaited) { fAwaited = &awaited; }
+  const TAwaited& GetAwaited() const { return *fAwaited; }
 
   // The grammar. True: the rule read what it is for.
   bool ParseProlog();
@@ -101,8 +137,13 @@ class ZEL_API TXmlParser {
   bool ReadWhitespace();
   bool ReadCharData();
   bool Take(char wanted);
+  bool StandsAt(const char* at, std::string_view text) const;
 
   bool ParseStartTag(TOpenElements& open, TAttributeList& attributes);
+  bool ReadPlainLeaf();
+  bool ReadLeaf(std::string_view name, char* text);
+  bool ReadKnownTag(TOpenElements& open);
+  void KeepTag(const char* name, std::size_t nameSize, const TAttributes& attributes);
   bool ParseAttribute(TAttributeList& attributes);
   bool ParseContent(TOpenElements& open);
   bool ParseEndTag(TOpenElements& open);
@@ -121,8 +162,12 @@ class ZEL_API TXmlParser {
   void Uncover(char* at, char byte);
 
   std::unique_ptr<TAttributeMaps> fMaps;  // once StartElement() has been told of a tag
+  const TAwaited* fAwaited;
+  TKnownTag fTag;
+  std::string fTagNames;  // of the attributes of a tag that is to be kept, as they stood there
   char* fPosition = nullptr;
   char* fStart = nullptr;
+  char* fEnd = nullptr;  // of the buffer, where its NUL stands
   // The line feeds that stand before fCountedTo, so that no line is counted twice.
   mutable char* fCountedTo = nullptr;
   mutable unsigned int fCountedLines = 0;

@@ -95,7 +95,7 @@ class ZEL_API TCIMClass : public ICIMElement, public ICIMAllowQualifiers {
   bool operator==(const TCIMClass& other) const;
   bool operator<(const TCIMClass& other) const;
 
-  boost::shared_ptr<TCIMClassImpl> GetBody() const;
+  const boost::shared_ptr<TCIMClassImpl>& GetBody() const;
 
  private:
   boost::shared_ptr<TCIMClassImpl> fBody;

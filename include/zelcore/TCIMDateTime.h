@@ -79,7 +79,7 @@ class ZEL_API TCIMDateTime {
   static TCIMDateTime GetDifference(TCIMDateTime& a, TCIMDateTime& b);
 
   // The body itself, shared with the caller.
-  boost::shared_ptr<TCIMDateTimeImpl> GetBody() const;
+  const boost::shared_ptr<TCIMDateTimeImpl>& GetBody() const;
 
  private:
   friend class TCIMDateTimeImpl;

@@ -2,7 +2,6 @@
 
 #include <boost/shared_ptr.hpp>
 #include <string>
-#include <string_view>
 #include <vector>
 
 #include "zelcore/ICIMElement.h"
@@ -68,13 +67,8 @@ class ZEL_API TCIMInstance : public ICIMElement {
   // By the address of the class alone.
   bool operator<(const TCIMInstance& other) const;
 
-  boost::shared_ptr<TCIMInstanceImpl> GetBody() const;
+  const boost::shared_ptr<TCIMInstanceImpl>& GetBody() const;
 
  private:
-  friend class TCIMXMLParser;
-
-  // FindProperty() of a name that stands somewhere: null also for one that is not valid.
-  TCIMProperty* FindPropertyNamed(std::string_view name) const;
-
   boost::shared_ptr<TCIMInstanceImpl> fBody;
 };

@@ -1,7 +1,6 @@
 #pragma once
 
 #include <string>
-#include <string_view>
 #include <vector>
 
 #include "zelcore/TCIMValue.h"
@@ -66,12 +65,7 @@ class ZEL_API TCIMProperty {
 
  private:
   friend class TCIMInstanceImpl;
-  friend class TCIMXMLParser;
   explicit TCIMProperty(TCIMPropertyImpl* body) : fBody(body) {}
-
-  // Sets the value that `text` has in the declared type, in place. False, with nothing changed,
-  // when there is a value already, and for references, arrays and datetimes that are bad.
-  bool SetFromText(std::string_view text);
 
   TCIMPropertyImpl* fBody;  // owned
 };

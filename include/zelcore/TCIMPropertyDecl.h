@@ -45,7 +45,7 @@ class ZEL_API TCIMPropertyDecl : public ICIMAllowQualifiers {
   bool operator==(const TCIMPropertyDecl& other) const;
   bool operator<(const TCIMPropertyDecl& other) const;
 
-  boost::shared_ptr<TCIMPropertyDeclImpl> GetBody() const;
+  const boost::shared_ptr<TCIMPropertyDeclImpl>& GetBody() const;
 
  private:
   boost::shared_ptr<TCIMPropertyDeclImpl> fBody;

@@ -44,7 +44,7 @@ class ZEL_API TCIMQualifier {
   bool operator==(const TCIMQualifier& other) const;
   bool operator<(const TCIMQualifier& other) const;
 
-  boost::shared_ptr<TCIMQualifierImpl> GetBody() const;
+  const boost::shared_ptr<TCIMQualifierImpl>& GetBody() const;
 
  private:
   boost::shared_ptr<TCIMQualifierImpl> fBody;

@@ -60,7 +60,7 @@ class ZEL_API TCIMQualifierDecl {
   bool operator==(const TCIMQualifierDecl& other) const;
   bool operator<(const TCIMQualifierDecl& other) const;
 
-  boost::shared_ptr<TCIMQualifierDeclImpl> GetBody() const;
+  const boost::shared_ptr<TCIMQualifierDeclImpl>& GetBody() const;
 
  private:
   boost::shared_ptr<TCIMQualifierDeclImpl> fBody;

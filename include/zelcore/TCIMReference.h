@@ -69,7 +69,7 @@ class ZEL_API TCIMReference {
   // By the address of the class, then by the bindings.
   bool operator<(const TCIMReference& other) const;
 
-  boost::shared_ptr<TCIMReferenceImpl> GetBody() const;
+  const boost::shared_ptr<TCIMReferenceImpl>& GetBody() const;
 
  private:
   boost::shared_ptr<TCIMReferenceImpl> fBody;

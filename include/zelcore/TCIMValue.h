@@ -1,5 +1,6 @@
 #pragma once
 
+#include <cstring>
 #include <iosfwd>
 #include <string>
 #include <string_view>
@@ -69,7 +70,7 @@ class ZEL_API TCIMValue {
   // As Set(const TCIMValue&) on a new value.
   TCIMValue(const TCIMValue& other);
   // Takes everything; `other` is untyped and NULL afterwards.
-  TCIMValue(TCIMValue&& other) noexcept;
+  TCIMValue(TCIMValue&& other) noexcept : fType(TCIMType::TypeNone), fHasVariant(0) { Take(other); }
   ~TCIMValue() { Clear(); }
   TCIMValue& operator=(const TCIMValue& other);
 
@@ -198,7 +199,26 @@ class ZEL_API TCIMValue {
   template <class TVariant, class... TArgs>
   void MakeVariant(TCIMType type, TArgs&&... args);
   // Takes everything; `other` is untyped and NULL afterwards.
-  void Take(TCIMValue& other) noexcept;
+  void Take(TCIMValue& other) noexcept {
+    Clear();
+    fType = other.fType;
+    fHasVariant = other.fHasVariant;
+    fMaxArraySize = other.fMaxArraySize;
+    fReferencedClass = other.fReferencedClass;
+    if (fHasVariant) {
+      // Numbers, texts and datetimes do not know where they stand.
+      if (GetType() < TCIMType::TypeReference) {
+        std::memcpy(fVariant, other.fVariant, sizeof fVariant);
+      } else {
+        TakeVariant(other);
+      }
+    }
+    other.fType = TCIMType::TypeNone;
+    other.fHasVariant = false;
+    other.fMaxArraySize = 0;
+    other.fReferencedClass = nullptr;
+  }
+  void TakeVariant(TCIMValue& other) noexcept;
   void Clear() {
     if (fHasVariant && GetType() > TCIMType::TypeReal64) DestroyVariant();  // numbers own nothing
     fHasVariant = false;

@@ -71,7 +71,7 @@ class ZEL_API TContainer {
   std::vector<TCIMInstance*> getDiffInstances() const;
   bool hasDifferences() const;
 
-  boost::shared_ptr<TContainerImpl> GetBody() const;
+  const boost::shared_ptr<TContainerImpl>& GetBody() const;
 
  private:
   boost::shared_ptr<TContainerImpl> fBody;

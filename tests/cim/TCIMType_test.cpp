@@ -53,9 +53,9 @@ TEST(TCIMType, HasNoTextForNoTypeAndForUnknownCodes) {
     EXPECT_EQ("zelStatusTypeMismatch", StatusOf([&] { TypeOf(code).ToString(); })) << code;
     std::ostringstream out;
     EXPECT_EQ("zelStatusTypeMismatch", StatusOf([&] { out << TypeOf(code); })) << code;
-    EXPECT_STREQ("", TypeText(TypeOf(code))) << code;
+    EXPECT_EQ("", TypeText(TypeOf(code))) << code;
   }
-  EXPECT_STREQ("uint8", TypeText(TypeOf(18)));
+  EXPECT_EQ("uint8", TypeText(TypeOf(18)));
 }
 
 TEST(TCIMType, IsMadeFromTheTextsOfTypesThatDocumentsName) {
