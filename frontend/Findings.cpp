@@ -88,6 +88,8 @@ const TRow& RowOf(TRule rule) { return kRows[static_cast<std::size_t>(rule)]; }
 
 const char* IdOf(TRule rule) { return RowOf(rule).id; }
 
+const char* TextOf(TRule rule) { return RowOf(rule).text; }
+
 const char* NameOf(TSeverity severity) {
   constexpr const char* kNames[] = {"note", "warning", "error"};
   return kNames[static_cast<std::size_t>(severity)];

@@ -51,6 +51,8 @@ struct TFinding {
 
 // The name by which people and programs tell findings apart.
 const char* IdOf(TRule rule);
+// Of a rule without values.
+const char* TextOf(TRule rule);
 const char* NameOf(TSeverity severity);
 
 // All findings of one document. No more than `limit` of each rule are kept, the others are counted:

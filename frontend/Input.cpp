@@ -45,14 +45,17 @@ TInput::TInput(const std::string& name)
       fTitle(fMemory ? "standard input" : name) {}
 
 void TInput::RequireFile(const std::string& hint) const {
-  const auto refuse = [&](const char* why) {
+  const auto refuse = [&](const char* why, const std::string& remedy) {
     throw TCommandError(kExitBadInput,
-                        Printable(fmt::format("cannot read '{}': {}; {}", fTitle, why, hint)));
+                        Printable(fmt::format("cannot read '{}': {}; {}", fTitle, why, remedy)));
+  };
+  const auto refuseForErrno = [&] {
+    refuse(strerror(errno), errno == EACCES ? "run zel as its owner, or as root" : hint);
   };
   struct stat status = {};
-  if (stat(fPath.c_str(), &status) != 0) refuse(strerror(errno));
-  if (!S_ISREG(status.st_mode)) refuse("it is no regular file");
-  if (!TDescriptor(open(fPath.c_str(), O_RDONLY | O_CLOEXEC))) refuse(strerror(errno));
+  if (stat(fPath.c_str(), &status) != 0) refuseForErrno();
+  if (!S_ISREG(status.st_mode)) refuse("it is no regular file", hint);
+  if (!TDescriptor(open(fPath.c_str(), O_RDONLY | O_CLOEXEC))) refuseForErrno();
 }
 
 TDescriptor KeepText(const std::string& text) {

@@ -18,8 +18,8 @@ class TInput {
   // For people.
   const std::string& GetTitle() const { return fTitle; }
 
-  // Throws TCommandError (kExitBadInput), whose message ends with `hint`, unless it is a regular
-  // file that can be read. To open anything else may take for ever.
+  // Throws TCommandError (kExitBadInput) unless it is a regular file that can be read: to open
+  // anything else may take for ever. `hint` says what else to do than to ask for permission.
   void RequireFile(const std::string& hint) const;
 
  private:

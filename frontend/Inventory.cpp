@@ -5,6 +5,8 @@
 #include <sys/stat.h>
 
 #include <algorithm>
+#include <filesystem>
+#include <optional>
 
 #include "frontend/Descriptor.h"
 #include "frontend/DocumentText.h"
@@ -75,9 +77,19 @@ TDescriptor OpenAsItIs(const std::string& path) {
   const bool isTakenForGzip = path.find(".gz") != std::string::npos;
   if (isGzip == isTakenForGzip || EndsIn(path, ".gz")) return TDescriptor();
   if (!isGzip) return TDescriptor(open(path.c_str(), O_RDONLY | O_CLOEXEC));
-  const TDocumentText document = Unpack(path);
-  if (document.fault) throw TZELException(zelStatusCorruptGzipFile);
-  return KeepText(document.text);
+  return KeepText(Unpack(path).text);
+}
+
+// Why the library could not read the document: in words what kept it from the text, else what it
+// logged, or threw.
+std::string WhyUnreadable(const std::string& path, const std::exception& error) {
+  std::error_code failure;
+  if (std::filesystem::file_size(path, failure) == 0) return "it is empty";
+  if (EndsIn(path, ".gz") && !IsGzip(path)) return TextOf(TRule::kGzipName);
+  const std::optional<TRule> fault = Unpack(path).fault;
+  if (fault) return TextOf(*fault);
+  const std::string logged = FirstLoggedError();
+  return logged.empty() ? error.what() : logged;
 }
 
 void ReadFile(TContainer& container, const TInput& input) {
@@ -87,10 +99,10 @@ void ReadFile(TContainer& container, const TInput& input) {
     const TDescriptor open = OpenAsItIs(input.GetPath());
     container.PopulateContainerFromFile(open ? PathOf(open) : input.GetPath());
   } catch (const std::exception& error) {
-    const std::string why = FirstLoggedError();
-    throw TCommandError(kExitBadInput,
-                        Printable(fmt::format("cannot read '{}': {}; 'zel validate' tells more",
-                                              input.GetTitle(), why.empty() ? error.what() : why)));
+    throw TCommandError(
+        kExitBadInput,
+        Printable(fmt::format("cannot read '{}': {}; 'zel validate' tells more", input.GetTitle(),
+                              WhyUnreadable(input.GetPath(), error))));
   }
 }
 

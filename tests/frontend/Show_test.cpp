@@ -445,9 +445,11 @@ TEST(Show, SaysWhyAFileCannotBeRead) {
   mkfifo(dir.PathOf("fifo.gz.xml").c_str(), 0600);
   reasons[dir.WriteFile("cut.xml", good.substr(0, good.size() - 40))] = "line ";
   reasons[dir.WriteFile("garbage.xml", std::string("\x01\x02\0garbage", 10))] = "line 1";
-  reasons[dir.WriteFile("empty.xml", "")] = "";
-  reasons[dir.WriteFile("garbage.xml.gz", "garbage")] = "";
-  reasons[dir.WriteFile("cut.xml.gz", Gzip(good).substr(0, 100))] = "";
+  reasons[dir.WriteFile("empty.xml", "")] = "': it is empty; ";
+  reasons[dir.WriteFile("empty.xml.gz", "")] = "': it is empty; ";
+  reasons[dir.WriteFile("garbage.xml.gz", "garbage")] = "': the path holds \".gz\", so ";
+  reasons[dir.WriteFile("cut.xml.gz", Gzip(good).substr(0, 100))] =
+      "': the gzip data are cut or damaged; ";
   for (const auto& [path, reason] : reasons) {
     for (const char* format : {"list", "json", "csv", "xml"}) {
       const TResult result = Zel({"show", "--base", kBase, path, "Acme_Disk", "--format", format});
@@ -464,9 +466,9 @@ TEST(Show, SaysWhyAFileCannotBeRead) {
   const Unprivileged nobody;
   const TResult result = Zel({"show", secret});
   EXPECT_EQ(4, result.code);
-  EXPECT_EQ("zel: cannot read '" + secret +
-                "': Permission denied; 'zel collect -o FILE' saves a collection\n",
-            result.err);
+  EXPECT_EQ(
+      "zel: cannot read '" + secret + "': Permission denied; run zel as its owner, or as root\n",
+      result.err);
 }
 
 TEST(Show, ReadsWhatIsCompressedWithoutBeingCalledSo) {
@@ -491,7 +493,8 @@ TEST(Show, ReadsWhatIsCompressedWithoutBeingCalledSo) {
     EXPECT_EQ(4, result.code);
     EXPECT_EQ("", result.out);
     EXPECT_EQ(
-        "zel: cannot read 'standard input': zelStatusCorruptGzipFile; 'zel validate' tells more\n",
+        "zel: cannot read 'standard input': the gzip data are cut or damaged; 'zel validate' tells "
+        "more\n",
         result.err);
   }
 }
