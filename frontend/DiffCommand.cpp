@@ -34,11 +34,8 @@ TInventory CollectLike(const TInventory& before, const std::vector<std::string>&
 class TDiffCommand : public TCommand {
  public:
   explicit TDiffCommand(CLI::App& options) {
-    options.add_option("OLD", fOld, "A saved collection, - for standard input")
-        ->type_name("FILE")
-        ->required();
-    options.add_option("NEW", fNew, "A later one, - for standard input; without it, this machine")
-        ->type_name("FILE");
+    AddFile(options, "OLD", fOld, "A saved collection, - for standard input")->required();
+    AddFile(options, "NEW", fNew, "A later one, - for standard input; without it, this machine");
     options
         .add_option("--class", fComparison.names,
                     "Compare only these classes, their subclasses, or sections")

@@ -3,13 +3,16 @@
 #include <fmt/format.h>
 
 #include <CLI/CLI.hpp>
+#include <algorithm>
 #include <exception>
 #include <map>
 
 #include "frontend/Commands.h"
 #include "frontend/ExitCode.h"
 #include "frontend/Manual.h"
+#include "frontend/NearMatch.h"
 #include "frontend/OptionTable.h"
+#include "frontend/ValueText.h"
 #include "zelcore/zelcore.h"
 
 namespace zel {
@@ -45,6 +48,29 @@ class TFormatter : public CLI::Formatter {
   }
 };
 
+// What there is none of, what was meant perhaps, and where to look.
+TCommandError Unknown(const char* what, const std::string& name,
+                      const std::vector<std::string>& names, const std::string& where) {
+  const std::string meant = DidYouMean(name, names);
+  return {kExitUsage,
+          fmt::format("no {} '{}'{} {}", what, name, meant.empty() ? ";" : meant, where)};
+}
+
+TCommandError UnknownCommand(const std::string& name) {
+  std::vector<std::string> names;
+  for (const TCommandRow& row : AllCommands()) names.push_back(row.name);
+  return Unknown("command", name, names, "'zel help' lists them");
+}
+
+TCommandError UnknownOption(const CLI::App& app, const std::string& name, const std::string& help) {
+  const bool isLong = name.compare(0, 2, "--") == 0;
+  std::vector<std::string> names;
+  for (const TOptionRow& row : OptionsOf(app)) {
+    if (isLong) names.insert(names.end(), row.names.begin(), row.names.end());
+  }
+  return Unknown("option", name.substr(0, name.find('=')), names, help);
+}
+
 // The command line, and the commands that stand on it.
 class TCommandLine {
  public:
@@ -79,10 +105,7 @@ class TCommandLine {
   }
 
   TExitCode Help(std::ostream& out) {
-    if (!fTopic.empty() && !FindCommand(fTopic)) {
-      throw TCommandError(kExitUsage,
-                          fmt::format("no command '{}'; 'zel help' lists them", fTopic));
-    }
+    if (!fTopic.empty() && !FindCommand(fTopic)) throw UnknownCommand(fTopic);
     const CLI::App* topic = fTopic.empty() ? &fApp : fApp.get_subcommand(fTopic);
     if (fAsManual) {
       WriteManual(*topic, out);
@@ -108,6 +131,24 @@ class TCommandLine {
   bool fAsManual = false;
 };
 
+// Why the words of the command line were refused.
+TCommandError UsageError(const CLI::App& program, const std::vector<std::string>& words,
+                         const CLI::ParseError& error) {
+  const auto isOption = [](const std::string& word) { return word.compare(0, 1, "-") == 0; };
+  const auto commands = program.get_subcommands();
+  if (commands.empty()) {
+    if (words.empty()) return {kExitUsage, "name a command; 'zel help' lists them"};
+    if (!isOption(words.front())) return UnknownCommand(words.front());
+    return UnknownOption(program, words.front(), "see 'zel --help'");
+  }
+  const CLI::App& command = *commands.front();
+  const std::string help = fmt::format("see 'zel {} --help'", command.get_name());
+  const std::vector<std::string> rest = command.remaining();
+  const auto unknown = std::find_if(rest.begin(), rest.end(), isOption);
+  if (unknown != rest.end()) return UnknownOption(command, *unknown, help);
+  return {kExitUsage, fmt::format("{}; {}", error.what(), help)};
+}
+
 TExitCode ParseAndRun(int argc, const char* const* argv, TStreams& streams) {
   TCommandLine line;
   try {
@@ -116,7 +157,7 @@ TExitCode ParseAndRun(int argc, const char* const* argv, TStreams& streams) {
     line.App().exit(success, streams.out, streams.err);
     return kExitDone;
   } catch (const CLI::ParseError& error) {
-    throw TCommandError(kExitUsage, fmt::format("{}; see 'zel --help'", error.what()));
+    throw UsageError(line.App(), {argv + 1, argv + argc}, error);
   }
   return line.Run(streams);
 }
@@ -128,10 +169,10 @@ int Main(int argc, const char* const* argv, TStreams streams) {
   try {
     code = ParseAndRun(argc, argv, streams);
   } catch (const TCommandError& error) {
-    streams.err << "zel: " << error.what() << "\n";
+    streams.err << "zel: " << Printable(error.what()) << "\n";
     code = error.GetExitCode();
   } catch (const std::exception& error) {
-    streams.err << "zel: " << error.what() << "\n";
+    streams.err << "zel: " << Printable(error.what()) << "\n";
     code = kExitBadInput;
   }
   streams.out.flush();

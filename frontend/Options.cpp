@@ -14,6 +14,9 @@ const std::map<std::string, zelLogSeverity> kLogLevels = {
     {"verbose", zelLogVerbose}
 };
 
+// As of a variable that is not set: it must not stand for this machine.
+std::string RefuseEmpty(const std::string& name) { return name.empty() ? "the name is empty" : ""; }
+
 }  // namespace
 
 void AddCollectionOptions(CLI::App& command, TCollectionOptions& options) {
@@ -35,12 +38,19 @@ void AddSeconds(CLI::App& command, const std::string& name, std::chrono::millise
   command
       .add_option_function<double>(
           name,
-          [&value](double seconds) {
+          [&value, name](double seconds) {
+            if (!(0.1 <= seconds && seconds <= 86400)) {  // nor not a number
+              throw CLI::ValidationError(name, "takes seconds, from 0.1 to 86400");
+            }
             value = std::chrono::milliseconds(static_cast<std::int64_t>(seconds * 1000));
           },
           text)
-      ->check(CLI::Range(0.1, 86400.0).description(""))
       ->type_name("SECONDS");
+}
+
+CLI::Option* AddFile(CLI::App& command, const std::string& name, std::string& file,
+                     const std::string& text) {
+  return command.add_option(name, file, text)->type_name("FILE")->check(RefuseEmpty);
 }
 
 void AddRedactOption(CLI::App& command, bool& redact) {
@@ -54,7 +64,8 @@ CLI::Option* AddFileAndNames(CLI::App& command, std::vector<std::string>& argume
           "FILE",
           [&arguments](const std::string& first) { arguments.insert(arguments.begin(), first); },
           "A saved collection, - for standard input; without it, this machine")
-      ->type_name("");
+      ->type_name("")
+      ->check(RefuseEmpty);
   return command
       .add_option_function<std::vector<std::string>>(
           name,

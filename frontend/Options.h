@@ -23,6 +23,10 @@ void AddSchemaOptions(CLI::App& command, TCollectionOptions& options);
 void AddSeconds(CLI::App& command, const std::string& name, std::chrono::milliseconds& value,
                 const std::string& text);
 
+// An option or argument that is a file, whose name is not empty.
+CLI::Option* AddFile(CLI::App& command, const std::string& name, std::string& file,
+                     const std::string& text);
+
 // --redact
 void AddRedactOption(CLI::App& command, bool& redact);
 

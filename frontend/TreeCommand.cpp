@@ -78,10 +78,8 @@ TInstances Redacted(TInventory& inventory, const TInstances& instances) {
 class TTreeCommand : public TCommand {
  public:
   explicit TTreeCommand(CLI::App& options) {
-    options
-        .add_option("FILE", fFile,
-                    "A saved collection, - for standard input; without it, this machine")
-        ->type_name("FILE");
+    AddFile(options, "FILE", fFile,
+            "A saved collection, - for standard input; without it, this machine");
     options.add_option("--from", fFrom, "Start with this instance, or with those of this class")
         ->type_name("PATH");
     options.add_option("--depth", fTree.depth, "Show this many levels below the first")

@@ -67,9 +67,7 @@ void Warn(const TInput& input, std::ostream& err) {
 class TUploadCommand : public TCommand {
  public:
   explicit TUploadCommand(CLI::App& options) {
-    options.add_option("FILE", fFile, "A saved collection, - for standard input")
-        ->type_name("FILE")
-        ->required();
+    AddFile(options, "FILE", fFile, "A saved collection, - for standard input")->required();
     options.add_option("--to", fURL, "Where to: ftp://HOST[:PORT]/DIRECTORY/")
         ->type_name("URL")
         ->required();

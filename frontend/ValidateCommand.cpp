@@ -1,5 +1,6 @@
 #include <fmt/format.h>
 
+#include <limits>
 #include <nlohmann/json.hpp>
 
 #include "frontend/Commands.h"
@@ -93,15 +94,14 @@ void PrintJson(const std::string& title, const TValidation& validation, std::ost
 class TValidateCommand : public TCommand {
  public:
   explicit TValidateCommand(CLI::App& options) {
-    options.add_option("FILE", fFile, "The document, plain or .gz, - for standard input")
-        ->type_name("FILE")
-        ->required();
+    AddFile(options, "FILE", fFile, "The document, plain or .gz, - for standard input")->required();
     options
         .add_option("--base", fOptions.bases,
                     "Read these before it (default: the base schema, if the document declares no "
                     "KEY)")
         ->type_name("FILE");
     options.add_option("--limit", fOptions.limit, "Tell this many findings of a kind (default 20)")
+        ->check(CLI::Range(0u, std::numeric_limits<unsigned>::max()).description(""))
         ->type_name("COUNT");
     AddChoice(options, "--format", fFormat, kFormats, "How to print");
   }

@@ -84,11 +84,55 @@ TEST(Zel, RefusesWrongArgumentsInOneLine) {
   }
 }
 
-TEST(Zel, NamesTheWordsThatAnOptionTakes) {
-  EXPECT_EQ("zel: --format: 'yaml' is none of json|text; see 'zel --help'\n",
-            Zel({"collect", "--format", "yaml"}).err);
-  EXPECT_EQ("zel: SHELL: 'tcsh' is none of bash|fish|zsh; see 'zel --help'\n",
-            Zel({"completion", "tcsh"}).err);
+TEST(Zel, SaysWhatIsWrongWithItsArgumentsAndWhereToReadOn) {
+  struct {
+    std::vector<std::string> arguments;
+    const char* message;
+  } const rows[] = {
+      {{},                                     "name a command; 'zel help' lists them"                           },
+      {{"shwo"},                               "no command 'shwo'; did you mean show? 'zel help' lists them"     },
+      {{"x\x1b[2J"},                           "no command 'x\\x1B[2J'; 'zel help' lists them"                   },
+      {{""},                                   "no command ''; 'zel help' lists them"                            },
+      {{"help", "colect"},                     "no command 'colect'; did you mean collect? 'zel help' lists them"},
+      {{"--versoin"},                          "no option '--versoin'; did you mean --version? see 'zel --help'" },
+      {{"show", "--fromat=json"},
+       "no option '--fromat'; did you mean --format? see 'zel show --help'"                                      },
+      {{"show", "a.xml", "--x\x1b[2J"},        "no option '--x\\x1B[2J'; see 'zel show --help'"                  },
+      {{"tree", "-z"},                         "no option '-z'; see 'zel tree --help'"                           },
+      {{"diff"},                               "OLD is required; see 'zel diff --help'"                          },
+      {{"collect", "--format", "yaml"},
+       "--format: 'yaml' is none of json|text; see 'zel collect --help'"                                         },
+      {{"completion", "tcsh"},
+       "SHELL: 'tcsh' is none of bash|fish|zsh; see 'zel completion --help'"                                     },
+      {{"collect", "--timeout", "nan"},
+       "--timeout: takes seconds, from 0.1 to 86400; see 'zel collect --help'"                                   },
+      {{"collect", "--timeout", "0"},
+       "--timeout: takes seconds, from 0.1 to 86400; see 'zel collect --help'"                                   },
+      {{"collect", "--timeout", "86401"},
+       "--timeout: takes seconds, from 0.1 to 86400; see 'zel collect --help'"                                   },
+      {{"validate", "a.xml", "--limit", "-1"},
+       "--limit: Value -1 not in range 0 to 4294967295; see 'zel validate --help'"                               },
+      {{"diff", "a.xml", ""},                  "NEW: the name is empty; see 'zel diff --help'"                   },
+      {{"tree", ""},                           "FILE: the name is empty; see 'zel tree --help'"                  },
+      {{"show", ""},                           "FILE: the name is empty; see 'zel show --help'"                  },
+      {{"get", "", "A.B"},                     "FILE: the name is empty; see 'zel get --help'"                   },
+      {{"report", ""},                         "FILE: the name is empty; see 'zel report --help'"                },
+      {{"report", "a.xml", "--diff", ""},      "--diff: the name is empty; see 'zel report --help'"              },
+  };
+  for (const auto& row : rows) {
+    const TResult result = Zel(row.arguments);
+    EXPECT_EQ(2, result.code) << row.message;
+    EXPECT_EQ("", result.out);
+    EXPECT_EQ("zel: " + std::string(row.message) + "\n", result.err);
+  }
+}
+
+TEST(Zel, ShowsWhatItWasGivenEscaped) {
+  EXPECT_EQ(
+      "zel: cannot read the plug-in directory '/x\\x1B[2J': No such file or directory; name "
+      "another "
+      "with --plugin-dir\n",
+      Zel({"collect", "--plugin-dir", "/x\x1b[2J"}).err);
 }
 
 TEST(Collect, SaysWhichClassThereIsNot) {

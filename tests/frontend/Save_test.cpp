@@ -209,7 +209,7 @@ TEST(Save, TellsWhichClassesWereAskedFor) {
 TEST(Save, RefusesAFormat) {
   const TResult result = Zel({"collect", "-o", "a.xml", "--format", "json"});
   EXPECT_EQ(2, result.code);
-  EXPECT_EQ("zel: --format excludes --output; see 'zel --help'\n", result.err);
+  EXPECT_EQ("zel: --format excludes --output; see 'zel collect --help'\n", result.err);
 }
 
 TEST(Save, SaysWhyItCannotWrite) {

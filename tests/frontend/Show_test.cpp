@@ -420,8 +420,8 @@ TEST(Show, RefusesWhatMakesNoSense) {
       {{"--format", "xml", "--columns", "Id"},
        "--format xml shows whole classes; leave out --where and --columns"                                               },
       {{"--format", "yaml"},
-       "--format: 'yaml' is none of csv|json|list|table|xml; see 'zel --help'"                                           },
-      {{"--raw", "--text"},                             "--raw excludes --text; see 'zel --help'"                        },
+       "--format: 'yaml' is none of csv|json|list|table|xml; see 'zel show --help'"                                      },
+      {{"--raw", "--text"},                             "--raw excludes --text; see 'zel show --help'"                   },
   };
   for (const auto& row : rows) {
     const TResult result = file.Show(row.arguments);
