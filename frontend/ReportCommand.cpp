@@ -19,16 +19,15 @@ namespace {
 class TReportCommand : public TCommand {
  public:
   explicit TReportCommand(CLI::App& options) {
-    options
-        .add_option("FILE", fFile,
-                    "A saved collection, - for standard input; without it, this machine")
-        ->type_name("FILE");
-    options.add_option("--diff", fOld, "Begin with what has changed since this saved collection")
+    AddFile(options, "FILE", fFile,
+            "A saved collection, - for standard input; without it, this machine");
+    AddFile(options, "--diff", fOld, "Begin with what has changed since this saved collection")
         ->type_name("OLD-FILE");
     options
         .add_option("-o,--output", fOutput,
                     "Write it here, - to standard output, without a name to HOST-TIME.html")
-        ->type_name("FILE");
+        ->type_name("FILE")
+        ->expected(0, 1);
     AddRedactOption(options, fRedact);
     AddCollectionOptions(options, fCollection);
   }

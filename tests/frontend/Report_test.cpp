@@ -306,6 +306,18 @@ TEST(Report, IsNamedAfterItsMachine) {
   const std::string path = directory.PathOf("web01-20261121-105500.html");
   EXPECT_THAT(result.err, MatchesRegex("saved " + path + " \\([0-9.]+ KiB\\)\n"));
   EXPECT_THAT(ReadFile(path), HasSubstr("</html>\n"));
+
+  const std::filesystem::path former = std::filesystem::current_path();
+  const TempDir here;
+  std::filesystem::current_path(here.GetPath());
+  for (const std::vector<std::string>& nameless : {
+           std::vector<std::string>{"report", file},
+           { "report",    file, "-o"}
+  }) {
+    EXPECT_EQ(0, Zel(nameless).code);
+    EXPECT_TRUE(std::filesystem::remove(here.PathOf("web01-20261121-105500.html")));
+  }
+  std::filesystem::current_path(former);
 }
 
 TEST(Report, RefusesWhatItCannotReadOrWrite) {
