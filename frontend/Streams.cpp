@@ -1,6 +1,7 @@
 #include "frontend/Streams.h"
 
 #include <stdlib.h>
+#include <string.h>
 #include <sys/ioctl.h>
 #include <unistd.h>
 
@@ -25,9 +26,19 @@ unsigned WidthOf(int fd) {
 
 }  // namespace
 
+bool IsUtf8Locale() {
+  for (const char* name : {"LC_ALL", "LC_CTYPE", "LANG"}) {
+    const std::string locale = Environment(name);
+    if (locale.empty()) continue;
+    return strcasestr(locale.c_str(), "utf-8") || strcasestr(locale.c_str(), "utf8");
+  }
+  return false;
+}
+
 TTerminal FindTerminal() {
   if (isatty(STDOUT_FILENO) != 1) return {};
-  return {Environment("NO_COLOR").empty() && Environment("TERM") != "dumb", WidthOf(STDOUT_FILENO)};
+  return {Environment("NO_COLOR").empty() && Environment("TERM") != "dumb", WidthOf(STDOUT_FILENO),
+          IsUtf8Locale()};
 }
 
 bool IsProgressWanted() { return isatty(STDERR_FILENO) == 1 && Environment("TERM") != "dumb"; }

@@ -53,7 +53,7 @@ std::size_t TTable::Print(std::ostream& out, const TTerminal& terminal) const {
     std::string line;
     std::size_t owed = 0;  // blanks; none stand at the end of a line
     for (std::size_t i = 0; i < widths.size(); ++i) {
-      const std::string text = Fitted(cells[i].text, widths[i]);
+      const std::string text = Fitted(cells[i].text, widths[i], terminal.isUtf8);
       const std::size_t rest = widths[i] - WidthOf(text);
       const bool isRight = fColumns[i].isRight;
       line.append(owed + kGap + (isRight ? rest : 0), ' ');

@@ -1,12 +1,10 @@
 #include <fmt/format.h>
-#include <stdlib.h>
 
 #include "frontend/AssociationTree.h"
 #include "frontend/Commands.h"
 #include "frontend/Inventory.h"
 #include "frontend/Options.h"
 #include "frontend/Redaction.h"
-#include "frontend/ValueMatch.h"
 #include "frontend/ValueText.h"
 #include "zelcore/zelcore.h"
 
@@ -16,17 +14,6 @@ namespace {
 using TInstances = std::vector<TCIMInstance*>;
 
 constexpr unsigned kDeepest = 1000;
-
-// Whether the locale says that texts are UTF-8.
-bool IsUtf8Locale() {
-  for (const char* name : {"LC_ALL", "LC_CTYPE", "LANG"}) {
-    const char* value = getenv(name);
-    if (!value || *value == 0) continue;
-    const std::string locale = LowerCase(value);
-    return locale.find("utf-8") != std::string::npos || locale.find("utf8") != std::string::npos;
-  }
-  return false;
-}
 
 TInstances InstancesOf(const TInventory& inventory, const std::string& className, bool deep) {
   try {

@@ -126,16 +126,18 @@ std::size_t WidthOf(std::string_view text) {
   return width;
 }
 
-std::string Fitted(std::string_view text, std::size_t width) {
-  constexpr char kEllipsis[] = "\u2026";
-  std::size_t kept = 0;  // bytes that leave a column for the ellipsis
+std::string Fitted(std::string_view text, std::size_t width, bool isUtf8) {
+  const std::string ellipsis =
+      isUtf8 ? "\u2026" : std::string(std::min<std::size_t>(width, 3), '.');
+  const std::size_t dots = WidthOf(ellipsis);
+  std::size_t kept = 0;  // bytes that leave room for the ellipsis
   std::size_t columns = 0;
   for (std::size_t i = 0; i < text.size();) {
     const TCharacter character = FirstCharacter(text.substr(i));
     columns += WidthOf(character.code);
-    if (columns > width) return std::string(text.substr(0, kept)) + kEllipsis;
+    if (columns > width) return std::string(text.substr(0, kept)) + ellipsis;
     i += character.size;
-    if (columns < width) kept = i;
+    if (columns + dots <= width) kept = i;
   }
   return std::string(text);
 }

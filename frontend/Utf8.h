@@ -22,7 +22,8 @@ TCharacter FirstCharacter(std::string_view text);
 // characters, none for combining marks.
 std::size_t WidthOf(std::string_view text);
 
-// `text`, or where it is wider than `width` columns, the start of it and an ellipsis.
-std::string Fitted(std::string_view text, std::size_t width);
+// `text`, or where it is wider than `width` columns, the start of it and an ellipsis: of one
+// character, or of as many points as fit where there is none but ASCII.
+std::string Fitted(std::string_view text, std::size_t width, bool isUtf8 = true);
 
 }  // namespace zel

@@ -61,6 +61,10 @@ expect "TERM=dumb" 0 "$(on_terminal TERM=dumb | grep -c $'\033\\[')"
 expect "NO_COLOR" 0 "$(on_terminal TERM=xterm NO_COLOR=1 | grep -c $'\033\\[')"
 expect "too wide" "" "$(LC_ALL=C.UTF-8 on_terminal TERM=dumb | tr -d '\r' | grep -E '.{41}')"
 
+LC_ALL=C on_terminal TERM=dumb | grep -qF '...' || expect "the cut in the C locale" ... none
+expect "the ellipsis in the C locale" 0 "$(LC_ALL=C on_terminal TERM=dumb | grep -c $'\xe2\x80\xa6')"
+LC_ALL=C.UTF-8 on_terminal TERM=dumb | grep -q $'\xe2\x80\xa6' || expect "the cut" … none
+
 # Closed early: quiet.
 for arguments in '--format json' '--format xml' '--format list' ''; do
   # shellcheck disable=SC2086  # several words

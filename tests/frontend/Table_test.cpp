@@ -77,6 +77,10 @@ TEST(Fitted, CutsBetweenCharactersAndSaysSo) {
       {"",                      0, ""          },
   };
   for (const auto& row : rows) EXPECT_EQ(row.fitted, zel::Fitted(row.text, row.width)) << row.text;
+  EXPECT_EQ("ab...", zel::Fitted("abcdef", 5, false));
+  EXPECT_EQ("..", zel::Fitted("abc", 2, false));
+  EXPECT_EQ("\u65E5...", zel::Fitted("\u65E5\u672C\u8A9E", 5, false));
+  EXPECT_EQ("abc", zel::Fitted("abc", 3, false));
 }
 
 TTable Disks() {
