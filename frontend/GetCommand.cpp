@@ -44,9 +44,13 @@ class TGetCommand : public TCommand {
  private:
   // [FILE] CLASS.PROPERTY
   void TakeArguments() {
-    const std::size_t point = fArguments.empty() ? std::string::npos : fArguments.back().rfind('.');
-    std::vector<std::string> last;
-    if (!fArguments.empty()) last.push_back(fArguments.back());
+    if (fArguments.empty()) {
+      throw TCommandError(kExitUsage,
+                          "name a property: 'zel get [FILE] CLASS.PROPERTY'; 'zel schema CLASS' "
+                          "lists them");
+    }
+    const std::size_t point = fArguments.back().rfind('.');
+    std::vector<std::string> last = {fArguments.back()};
     const bool isFile = fArguments.size() == 1 && !TakeFile(last).empty();
     if (fArguments.size() > 2 || isFile || point == std::string::npos || point == 0 ||
         point + 1 == fArguments.back().size()) {

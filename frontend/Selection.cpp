@@ -26,25 +26,25 @@ const TCIMPropertyDecl* FindProperty(const TCIMClass& cls, const std::string& na
 }
 
 void RequireProperty(const std::vector<TSelection>& selections, const std::string& name) {
-  std::set<std::string> all;
+  std::set<std::string> declared;
   for (const TSelection& selection : selections) {
     if (FindProperty(*selection.cls, name)) return;
     for (const TCIMPropertyDecl* property : selection.cls->EnumeratePropertyDecls()) {
-      all.insert(property->GetName());
+      declared.insert(property->GetName());
     }
   }
   if (selections.empty()) return;
   constexpr std::size_t kOneLine = 40;  // more names are no help
-  const std::vector<std::string> names(all.begin(), all.end());
-  const std::string where =
-      selections.size() == 1 ? selections.front().cls->GetName() : "any of the classes";
+  const std::vector<std::string> names(declared.begin(), declared.end());
+  const std::string one = selections.size() == 1 ? selections.front().cls->GetName() : "";
   const std::string meant = DidYouMean(name, names);
-  throw TCommandError(
-      kExitUsage, Printable(fmt::format(
-                      "no property '{}' in {}{} {}", name, where, meant.empty() ? ";" : meant,
-                      names.size() <= kOneLine ? fmt::format("there are {}", fmt::join(names, ", "))
-                                               : fmt::format("'zel schema {}' lists them",
-                                                             selections.front().cls->GetName()))));
+  const std::string all =
+      names.size() <= kOneLine
+          ? fmt::format("there are {}", fmt::join(names, ", "))
+          : fmt::format("'zel schema {}' lists them", one.empty() ? "CLASS" : one);
+  throw TCommandError(kExitUsage, Printable(fmt::format("no property '{}' in {}{} {}", name,
+                                                        one.empty() ? "any of the classes" : one,
+                                                        meant.empty() ? ";" : meant, all)));
 }
 
 bool Fulfils(const TCIMInstance& instance, const TCondition& condition) {

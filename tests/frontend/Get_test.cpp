@@ -87,7 +87,11 @@ TEST(Get, RefusesWhatIsNoProperty) {
                   "lists them\n",
               result.err);
   }
-  EXPECT_EQ(2, Zel({"get"}).code);
+  const TResult none = Zel({"get"});
+  EXPECT_EQ(2, none.code);
+  EXPECT_EQ(
+      "zel: name a property: 'zel get [FILE] CLASS.PROPERTY'; 'zel schema CLASS' lists them\n",
+      none.err);
   EXPECT_EQ(2, file.Get({"A.b", "C.d"}).code);
 }
 

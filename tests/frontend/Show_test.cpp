@@ -431,6 +431,24 @@ TEST(Show, RefusesWhatMakesNoSense) {
   }
 }
 
+TEST(Show, LeavesManyPropertiesToTheSchema) {
+  std::string properties = document::Key("Id");
+  for (int i = 0; i < 40; ++i) properties += document::Declare("P" + std::to_string(i), "string");
+  const TempDir dir;
+  const std::string file =
+      dir.WriteFile("a.xml", OnBase(document::Class("Acme_Many", properties) +
+                                    document::Class("Acme_More", "", "Acme_Many")));
+  const auto refusal = [&](const std::vector<std::string>& names) {
+    std::vector<std::string> arguments = {"show", "--base", kBase, file, "--where", "Zzz=1"};
+    arguments.insert(arguments.end(), names.begin(), names.end());
+    return Zel(arguments).err;
+  };
+  EXPECT_EQ("zel: no property 'Zzz' in Acme_More; 'zel schema Acme_More' lists them\n",
+            refusal({"Acme_More"}));
+  EXPECT_EQ("zel: no property 'Zzz' in any of the classes; 'zel schema CLASS' lists them\n",
+            refusal({"Acme_Many"}));
+}
+
 TEST(Show, SaysWhyAFileCannotBeRead) {
   const TempDir dir;
   const std::string good = OnBase(document::ShowClasses());
