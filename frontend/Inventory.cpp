@@ -89,6 +89,10 @@ std::string WhyUnreadable(const std::string& path, const std::exception& error) 
   const std::optional<TRule> fault = Unpack(path).fault;
   if (fault) return TextOf(*fault);
   const std::string logged = FirstLoggedError();
+  // What gzip itself forgives, such as bytes after the end.
+  if (IsGzip(path) && logged.rfind("Couldn't read file ", 0) == 0) {
+    return TextOf(TRule::kGzipDamaged);
+  }
   return logged.empty() ? error.what() : logged;
 }
 

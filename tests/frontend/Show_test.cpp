@@ -468,6 +468,8 @@ TEST(Show, SaysWhyAFileCannotBeRead) {
   reasons[dir.WriteFile("garbage.xml.gz", "garbage")] = "': the path holds \".gz\", so ";
   reasons[dir.WriteFile("cut.xml.gz", Gzip(good).substr(0, 100))] =
       "': the gzip data are cut or damaged; ";
+  reasons[dir.WriteFile("more.xml.gz", Gzip(good) + "more")] =
+      "': the gzip data are cut or damaged; ";
   for (const auto& [path, reason] : reasons) {
     for (const char* format : {"list", "json", "csv", "xml"}) {
       const TResult result = Zel({"show", "--base", kBase, path, "Acme_Disk", "--format", format});
