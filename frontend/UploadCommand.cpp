@@ -1,6 +1,7 @@
 #include <fmt/format.h>
 #include <string.h>
 
+#include <cstdint>
 #include <filesystem>
 
 #include "frontend/Commands.h"
@@ -82,14 +83,19 @@ class TUploadCommand : public TCommand {
     const std::string name = RemoteName();
     const TInput input(fFile);
     input.RequireFile("'zel collect -o FILE' saves a collection");
+    const std::uintmax_t size = std::filesystem::file_size(input.GetPath());
+    if (size == 0) {  // as when what should have written it has failed
+      throw TCommandError(kExitBadInput,
+                          fmt::format("'{}' is empty; nothing was sent", input.GetTitle()));
+    }
     Warn(input, streams.err);
     streams.out << fmt::format(
         "file       {} ({})\n"
         "host       {}{}\n"
         "directory  {}\n"
         "name       {}\n",
-        Printable(input.GetTitle()), BytesText(std::filesystem::file_size(input.GetPath())),
-        target.host, target.port.empty() ? "" : ", port " + target.port,
+        Printable(input.GetTitle()), BytesText(size), target.host,
+        target.port.empty() ? "" : ", port " + target.port,
         target.directory.empty() ? "that of the login" : Printable(target.directory),
         Printable(name + kEnding));
     if (fIsDryRun) {

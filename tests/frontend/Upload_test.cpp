@@ -98,6 +98,14 @@ TEST_F(Upload, SendsStandardInputUnderAName) {
   EXPECT_TRUE(ReadFile(fDir.PathOf("open.gz")) == ReadFile(server.GetDir().PathOf("rack7.xml.gz")));
 }
 
+TEST_F(Upload, SendsNothingThatIsEmpty) {
+  const TStandardInput input("");
+  const TResult result = Zel({"upload", "-", "--to", "ftp://h/", "--name", "rack7", "--dry-run"});
+  EXPECT_EQ(4, result.code);
+  EXPECT_EQ("", result.out);
+  EXPECT_EQ("zel: 'standard input' is empty; nothing was sent\n", result.err);
+}
+
 TEST_F(Upload, SendsNothingWhenItIsDry) {
   HeldPort port;
   port.Listen();  // and nobody answers
