@@ -88,12 +88,12 @@ void TCIMXMLParser::TStateProperty::Start(std::size_t slot, unsigned int arraySi
 }
 
 void TCIMXMLParser::TStateProperty::TakeText(TCIMXMLParser& parser, std::string_view text) {
-  if (fValue || !fProperty->SetFromText(fType, text)) TValueSlot::TakeText(parser, text);
+  if (!fProperty->SetFromText(fType, text)) TValueSlot::TakeText(parser, text);
 }
 
 // The first value is set at once; what can be refused waits for the end of the element.
 void TCIMXMLParser::TStateProperty::Take(TCIMValue&& value) {
-  if (fValue || fProperty->HasValue() || value.GetType() != fType || value.IsReference()) {
+  if (value.GetType() != fType || value.IsReference()) {
     TValueSlot::Take(std::move(value));
   } else {
     fProperty->SetValue(std::move(value));

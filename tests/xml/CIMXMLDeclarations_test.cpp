@@ -412,6 +412,17 @@ TEST(CIMXMLPropertyDecl, FailsWithATypeThatIsNone) {
     EXPECT_EQ("zelStatusTypeMismatch", zoo.ReadClass("NAME=\"A\"", "<PROPERTY NAME=\"P\" TYPE=\"" +
                                                                        std::string(type) + "\"/>"));
   }
+  // A reference's own type says nothing, but has to be one.
+  const auto readReference = [&](const std::string& name, const std::string& type) {
+    return zoo.ReadClass("NAME=\"" + name + "\"",
+                         "<QUALIFIER NAME=\"Association\"><VALUE>true</VALUE></QUALIFIER>"
+                         "<PROPERTY.REFERENCE NAME=\"R\" TYPE=\"" +
+                             type +
+                             "\" REFERENCECLASS=\"Zoo_Animal\"><QUALIFIER NAME=\"Key\">"
+                             "<VALUE>true</VALUE></QUALIFIER></PROPERTY.REFERENCE>");
+  };
+  EXPECT_EQ("zelStatusTypeMismatch", readReference("B", "uint17"));
+  EXPECT_EQ("zelStatusOK", readReference("C", "uint8"));
 }
 
 }  // namespace

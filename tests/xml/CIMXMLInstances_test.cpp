@@ -119,6 +119,12 @@ TEST(CIMXMLInstance, NeedsTheDeclaredTypesWhereTypesAreGiven) {
   Zoo zoo;
   EXPECT_EQ("zelStatusTypeMismatch",
             zoo.ReadInstance("Zoo_Animal", Property("NAME=\"Name\" TYPE=\"char16\"", "T")));
+  // What is no type is seen before what is no property.
+  ClearLog();
+  EXPECT_EQ("zelStatusTypeMismatch",
+            zoo.ReadInstance("Zoo_Animal", Property("NAME=\"Wings\" TYPE=\"uint17\"", "2")));
+  EXPECT_THAT(LogLines(),
+              ElementsAre("TCIMXMLParser: Threw exception zelStatusTypeMismatch on line 1"));
 }
 
 TEST(CIMXMLInstance, MeetsTheModelWhereNoTypeIsGiven) {
@@ -324,6 +330,17 @@ TEST(CIMXMLReference, RefusesBindingsThatTheModelRefuses) {
             LogLines().at(0));
 }
 
+TEST(CIMXMLReference, IsRefusedAtTheEndOfItsProperty) {
+  Zoo zoo;
+  EXPECT_EQ("zelStatusTypeMismatch",
+            zoo.ReadInstance("Zoo_Eats",
+                             "<PROPERTY.REFERENCE NAME=\"Eater\">\n<VALUE.REFERENCE>"
+                             "<INSTANCENAME CLASSNAME=\"Zoo_Cage\"/></VALUE.REFERENCE>\n"
+                             "</PROPERTY.REFERENCE>\n"));
+  EXPECT_THAT(LogLines(),
+              testing::Contains("TCIMXMLParser: Threw exception zelStatusTypeMismatch on line 3"));
+}
+
 TEST(CIMXMLReference, IsAcceptedWithoutKeysInADiffContainer) {
   Zoo zoo;
   zoo.fContainer.hackhack_TurnIntoADiffContainer();
@@ -358,17 +375,17 @@ TEST(CIMXMLReference, IsAcceptedWithoutKeysInADiffContainer) {
   EXPECT_EQ("Zoo_Animal.Name=\"Tom\"", zoo.ValueOf("Zoo_Eats", "Eater").ToString(10));
 }
 
-// References in the keys of references, to a depth.
-std::string Nested(unsigned int depth) {
+// References in the keys of references, to a depth, and in the innermost key `key`.
+std::string Nested(
+    unsigned int depth,
+    const std::string& key = "<VALUE.REFERENCE><CLASSNAME NAME=\"Zoo_Knot\"/></VALUE.REFERENCE>") {
   std::string open;
   std::string close;
   for (unsigned int i = 0; i < depth; ++i) {
     open += "<VALUE.REFERENCE><INSTANCENAME CLASSNAME=\"Zoo_Knot\"><KEYBINDING NAME=\"Next\">";
     close += "</KEYBINDING></INSTANCENAME></VALUE.REFERENCE>";
   }
-  return "<PROPERTY.REFERENCE NAME=\"Next\">" + open +
-         "<VALUE.REFERENCE><CLASSNAME NAME=\"Zoo_Knot\"/></VALUE.REFERENCE>" + close +
-         "</PROPERTY.REFERENCE>";
+  return "<PROPERTY.REFERENCE NAME=\"Next\">" + open + key + close + "</PROPERTY.REFERENCE>";
 }
 
 TEST(CIMXMLReference, NestsToADepth) {
@@ -382,6 +399,25 @@ TEST(CIMXMLReference, NestsToADepth) {
   EXPECT_THAT(LogLines(), IsEmpty());
   EXPECT_EQ("zelStatusInvalidSpecificationDocument", zoo.ReadInstance("Zoo_Knot", Nested(100000)));
   EXPECT_THAT(LogLines().at(0), testing::StartsWith("CIM-XML Parser line 1:Unexpected element "));
+}
+
+// 256 elements may be open: these are 3 for each reference and 6 around them, and the document.
+TEST(CIMXMLReference, ReadsTextAtTheGreatestDepthAndNotBelow) {
+  Zoo zoo;
+  EXPECT_EQ("zelStatusOK", zoo.ReadClass("NAME=\"Zoo_Knot\"",
+                                         "<QUALIFIER NAME=\"Association\"><VALUE>true</VALUE>"
+                                         "</QUALIFIER><PROPERTY.REFERENCE NAME=\"Next\">"
+                                         "<QUALIFIER NAME=\"Key\"><VALUE>true</VALUE></QUALIFIER>"
+                                         "</PROPERTY.REFERENCE>"));
+  EXPECT_EQ("zelStatusOK",
+            zoo.ReadInstance("Zoo_Knot", Nested(82,
+                                                "<VALUE.REFERENCE><INSTANCENAME "
+                                                "CLASSNAME=\"Zoo_Animal\"><KEYVALUE>Tom"
+                                                "</KEYVALUE></INSTANCENAME></VALUE.REFERENCE>")));
+  EXPECT_THAT(zoo.ValueOf("Zoo_Knot", "Next").ToString(10), testing::HasSubstr("Name=\"Tom\""));
+  EXPECT_EQ("zelStatusInvalidSpecificationDocument",
+            zoo.ReadInstance("Zoo_Knot", Nested(83, "<KEYVALUE>Tom</KEYVALUE>")));
+  EXPECT_EQ("CIM-XML Parser line 1:Unexpected element keyvalue", LogLines().at(0));
 }
 
 }  // namespace
