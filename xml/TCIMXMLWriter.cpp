@@ -9,6 +9,13 @@
 #include <ostream>
 #include <unordered_set>
 
+#include "cim/TCIMInstanceImpl.h"
+#include "cim/TCIMNumericValueImpl.h"
+#include "cim/TCIMObjectValueImpl.h"
+#include "cim/TCIMPropertyDeclImpl.h"
+#include "cim/TCIMPropertyImpl.h"
+#include "cim/TCIMReferenceImpl.h"
+#include "cim/TypeText.h"
 #include "xml/TClassOrder.h"
 #include "xml/TDocumentSink.h"
 #include "xml/XmlText.h"
@@ -27,6 +34,8 @@
 using zelcore::detail::Fail;
 using zelcore::detail::LogCore;
 using zelcore::detail::Text;
+using zelcore::detail::TypeText;
+using zelcore::detail::VisitNumeric;
 
 namespace {
 
@@ -106,7 +115,7 @@ class TDocument {
 
   void WriteClass(const TCIMClass& cls) {
     fOwner = cls.GetName();
-    fMember = {};
+    fMember = nullptr;
     Put("<VALUE.OBJECT><CLASS NAME=\"", fOwner, "\"");
     if (!cls.GetSuperClass()->IsRootClass()) {
       Put(" SUPERCLASS=\"", cls.GetSuperClass()->GetName(), "\"");
@@ -122,21 +131,24 @@ class TDocument {
   void WriteInstance(const TCIMInstance& instance) {
     fOwner = instance.GetClass()->GetName();
     Put("<VALUE.OBJECT><INSTANCE CLASSNAME=\"", fOwner, "\">\n");
-    for (const TCIMProperty* property : instance.EnumerateProperties()) {
-      if (!property->GetPropagated()) WriteProperty(*property);
+    const TCIMInstanceImpl& body = *instance.GetBody();
+    if (body.Layout() != fLayout) Prepare(body.Layout());
+    for (std::size_t slot = 0; slot < fStartTags.size(); ++slot) {
+      const TCIMPropertyImpl& property = *body.PropertyAt(slot).GetBody();
+      if (property.HasValue()) WriteProperty(property, fStartTags[slot]);
     }
     Put("</INSTANCE></VALUE.OBJECT>\n");
   }
 
  private:
   template <class... TParts>
-  void Put(const TParts&... parts) {
+  [[gnu::always_inline]] void Put(const TParts&... parts) {
     (fSink.Put(parts), ...);
   }
 
   void Warn(std::string_view what) {
-    LogCore(zelLogWarning,
-            Text("TCIMXMLWriter: ", fOwner, fMember.empty() ? "" : ".", fMember, ": ", what));
+    LogCore(zelLogWarning, Text("TCIMXMLWriter: ", fOwner, fMember ? "." : "",
+                                fMember ? fMember->GetName() : "", ": ", what));
   }
 
   void WarnOfType() { Warn("left out, there is no element for its type"); }
@@ -156,9 +168,9 @@ class TDocument {
   void WriteQualifierDecl(const TCIMQualifierDecl& decl) {
     const TCIMValue value = decl.GetValue();
     fOwner = decl.GetName();
-    fMember = {};
+    fMember = nullptr;
     if (!IsText(value.GetType())) return WarnOfType();
-    Put("<QUALIFIER.DECLARATION NAME=\"", fOwner, "\" TYPE=\"", value.GetType().ToString(),
+    Put("<QUALIFIER.DECLARATION NAME=\"", fOwner, "\" TYPE=\"", TypeText(value.GetType()),
         "\" ISARRAY=\"", Bool(value.IsArray()), "\"");
     PutArraySize(value);
     PutFlavors(decl.GetFlavor());
@@ -175,7 +187,7 @@ class TDocument {
     const TCIMValue value = qualifier.GetValue();
     const TCIMType type = qualifier.GetDeclaration()->GetType();
     if (!IsText(type)) return;  // so is its declaration
-    Put("<QUALIFIER NAME=\"", qualifier.GetName(), "\" TYPE=\"", type.ToString(), "\"");
+    Put("<QUALIFIER NAME=\"", qualifier.GetName(), "\" TYPE=\"", TypeText(type), "\"");
     if (qualifier.GetPropagated()) Put(" PROPAGATED=\"true\"");
     PutFlavors(qualifier.GetFlavor());
     Put(">");
@@ -188,17 +200,35 @@ class TDocument {
   }
 
   void WritePropertyDecl(const TCIMPropertyDecl& decl) {
-    fMember = decl.GetName();
-    WriteProperty(decl.GetValue(), decl.EnumerateQualifiers());
+    fMember = &decl;
+    WriteProperty(decl.GetBody()->Value(), decl.EnumerateQualifiers());
   }
 
-  void WriteProperty(const TCIMProperty& property) {
-    const TCIMValue value = property.GetValue();
-    fMember = property.GetName();
-    if (value.IsNull() && !property.GetDeclaration()->GetValue().IsNull()) {
-      Warn("its NULL is read as the default");
+  void WriteProperty(const TCIMPropertyImpl& property, const std::string& startTag) {
+    const TCIMPropertyDecl& decl = *property.GetDeclaration();
+    const TCIMValue& value = property.Value();
+    fMember = &decl;
+    if (value.IsNull()) {
+      if (!decl.GetBody()->Value().IsNull()) Warn("its NULL is read as the default");
+    } else if (!startTag.empty()) {
+      Put(startTag);
+      WriteScalar(value);
+      return Put("</PROPERTY>\n");
     }
     WriteProperty(value, {});
+  }
+
+  // Works out the start tags that all instances of a class have in common: those of scalars.
+  void Prepare(const boost::shared_ptr<const TPropertyLayout>& layout) {
+    fLayout = layout;
+    fStartTags.resize(layout->Size());
+    for (std::size_t slot = 0; slot < layout->Size(); ++slot) {
+      const TCIMType type = layout->Type(slot);
+      fStartTags[slot] = type.IsArray() || !IsText(type)
+                             ? ""
+                             : Text("<PROPERTY NAME=\"", layout->Decl(slot).GetName(), "\" TYPE=\"",
+                                    TypeText(type), "\">");
+    }
   }
 
   // The property fMember, in a class or in an instance.
@@ -207,9 +237,9 @@ class TDocument {
     const std::string_view element = value.IsReference() ? "PROPERTY.REFERENCE"
                                      : value.IsArray()   ? "PROPERTY.ARRAY"
                                                          : "PROPERTY";
-    Put("<", element, " NAME=\"", fMember, "\"");
+    Put("<", element, " NAME=\"", fMember->GetName(), "\"");
     if (!value.IsReference()) {
-      Put(" TYPE=\"", value.GetType().ToString(), "\"");
+      Put(" TYPE=\"", TypeText(value.GetType()), "\"");
       PutArraySize(value);
     } else if (value.GetReferencedClass()) {
       Put(" REFERENCECLASS=\"", value.GetReferencedClass()->GetName(), "\"");
@@ -224,7 +254,7 @@ class TDocument {
   void WriteValue(const TCIMValue& value) {
     if (value.IsNull()) return;
     if (value.IsReference()) {
-      WriteReference(value);
+      WriteReference(TCIMReferenceValueImpl::ValueOf(value));
     } else if (value.IsArray()) {
       const std::vector<TCIMValue>& elements = value;
       Put("<VALUE.ARRAY>");
@@ -246,7 +276,7 @@ class TDocument {
   }
 
   void WriteReference(const TCIMReference& path) {
-    const std::map<std::string, TCIMValue> keys = path.EnumerateKeyBindings();
+    const std::map<std::string, TCIMValue>& keys = path.GetBody()->EnumerateKeyBindings();
     Put("<VALUE.REFERENCE>");
     if (keys.empty()) {
       Put("<CLASSNAME NAME=\"", path.GetClass()->GetName(), "\"/>");
@@ -266,7 +296,7 @@ class TDocument {
     const TCIMPropertyDecl* const decl = cls.FindPropertyDecl(name);
     Put("<KEYBINDING NAME=\"", decl ? decl->GetName() : name, "\">");
     if (value.IsReference()) {
-      WriteReference(value);
+      WriteReference(TCIMReferenceValueImpl::ValueOf(value));
     } else {
       Put("<KEYVALUE", KeyKind(value.GetType()), ">");
       PutScalar(value);
@@ -277,26 +307,34 @@ class TDocument {
 
   void PutScalar(const TCIMValue& value) {
     switch (value.GetType()) {
-      case TCIMType::TypeReal32: return PutReal(static_cast<float>(value));
-      case TCIMType::TypeReal64: return PutReal(static_cast<double>(value));
-      case TCIMType::TypeDateTime: return PutDateTime(value);
-      case TCIMType::TypeString: return PutText(value.ToString(10));
-      default: return Put(value.ToString(10));
+      case TCIMType::TypeDateTime: return PutDateTime(TCIMDateTimeValueImpl::ValueOf(value));
+      case TCIMType::TypeString: return PutText(TCIMStringValueImpl::ValueOf(value).View());
+      default: break;
+    }
+    VisitNumeric(value.GetType(),
+                 [&](auto tag) { PutNumber(static_cast<typename decltype(tag)::type>(value)); });
+  }
+
+  template <class T>
+  void PutNumber(T value) {
+    if constexpr (std::is_same_v<T, bool>) {
+      Put(Bool(value));
+    } else {
+      if constexpr (std::is_floating_point_v<T>) {
+        if (!std::isfinite(value)) return PutNotFinite(value);
+      }
+      char digits[32];
+      const char* const end = std::to_chars(digits, std::end(digits), value).ptr;
+      Put(std::string_view(digits, static_cast<std::size_t>(end - digits)));
     }
   }
 
-  template <class TReal>
-  void PutReal(TReal value) {
-    if (!std::isfinite(value)) {
-      Warn("a real that is not finite is read as 0");
-      return Put(std::isnan(value) ? "NaN" : value < 0 ? "-INF" : "INF");
-    }
-    char digits[32];
-    const char* const end = std::to_chars(digits, std::end(digits), value).ptr;
-    Put(std::string_view(digits, static_cast<std::size_t>(end - digits)));
+  void PutNotFinite(double value) {
+    Warn("a real that is not finite is read as 0");
+    Put(std::isnan(value) ? "NaN" : value < 0 ? "-INF" : "INF");
   }
 
-  void PutDateTime(const TCIMDateTime& value) {
+  void PutDateTime(const TCIMDateTimeImpl& value) {
     constexpr std::size_t kSize = 25;
     constexpr unsigned int kMaxDays = 65535;
     if (value.IsNull()) return Warn("a datetime that is not set is read as 1970-01-01");
@@ -321,8 +359,10 @@ class TDocument {
   }
 
   TDocumentSink fSink;
-  std::string_view fOwner;   // a class or a qualifier declaration
-  std::string_view fMember;  // a property of it, or empty
+  std::string_view fOwner;                    // a class or a qualifier declaration
+  const TCIMPropertyDecl* fMember = nullptr;  // a property of it, or null
+  boost::shared_ptr<const TPropertyLayout> fLayout;
+  std::vector<std::string> fStartTags;  // of the properties of instances of that layout, or ""
 };
 
 void WriteToDescriptor(int descriptor, std::string_view piece) {

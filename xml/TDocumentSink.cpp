@@ -44,8 +44,18 @@ TDocumentSink::TDocumentSink(const TTarget& target, bool isCompressed)
 
 TDocumentSink::~TDocumentSink() = default;
 
+void TDocumentSink::PutInPieces(std::string_view text) {
+  while (text.size() > kPieceSize - fUsed) {
+    const std::size_t room = kPieceSize - fUsed;
+    Gather(text.substr(0, room));
+    text.remove_prefix(room);
+    Pass();
+  }
+  Gather(text);
+}
+
 void TDocumentSink::Pass() {
-  const std::string_view piece(fPiece, fUsed);
+  const std::string_view piece(fPiece.get(), fUsed);
   if (fDeflater) {
     fDeflater->Put(piece, Z_NO_FLUSH);
   } else if (!piece.empty()) {

@@ -42,14 +42,16 @@ bool IsCharacter(std::string_view text, std::size_t length) {
 namespace zelcore::detail {
 
 std::size_t CountPlain(std::string_view text) {
-  std::size_t at = 0;
+  const char* at = text.data();
+  const char* const end = at + text.size();
   for (;;) {
     std::size_t length = 0;
-    while (at < text.size() && (length = kLengths[ByteAt(text, at)]) == 1) ++at;
-    if (at == text.size() || length == 0 || !IsCharacter(text.substr(at), length)) break;
+    while (at != end && (length = kLengths[static_cast<unsigned char>(*at)]) == 1) ++at;
+    const std::string_view rest(at, static_cast<std::size_t>(end - at));
+    if (at == end || length == 0 || !IsCharacter(rest, length)) break;
     at += length;
   }
-  return at;
+  return static_cast<std::size_t>(at - text.data());
 }
 
 std::string Escape(char c) {
