@@ -227,7 +227,7 @@ struct TDisplayRules {
 namespace {
 
 TDisplayRules& RulesOf(const TCIMPropertyDecl& declaration) {
-  const auto body = declaration.GetBody();
+  const auto& body = declaration.GetBody();
   std::shared_ptr<TDisplayRules>& rules = body->DisplayRules();
   const std::uint64_t changes = TSchemaChanges::Count();
   if (!rules || rules->changes != changes) {

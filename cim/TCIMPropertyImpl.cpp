@@ -4,9 +4,9 @@
 
 #include "cim/TCIMPropertyDeclImpl.h"
 #include "cim/TReferenceWatch.h"
-#include "cim/TypeText.h"
 #include "zelcore/TCIMClass.h"
 #include "zelcore/detail/Fail.h"
+#include "zelcore/detail/TypeText.h"
 
 using zelcore::detail::Fail;
 using zelcore::detail::Text;

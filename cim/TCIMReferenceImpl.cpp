@@ -6,13 +6,13 @@
 #include "cim/OrNotFound.h"
 #include "cim/PathText.h"
 #include "cim/TCIMPropertyDeclImpl.h"
-#include "cim/TypeText.h"
 #include "zelcore/ICIMElement.h"
 #include "zelcore/TCIMClass.h"
 #include "zelcore/TCIMInstance.h"
 #include "zelcore/TCIMPropertyDecl.h"
 #include "zelcore/TContainer.h"
 #include "zelcore/detail/Fail.h"
+#include "zelcore/detail/TypeText.h"
 
 using zelcore::detail::AppendPathText;
 using zelcore::detail::Fail;

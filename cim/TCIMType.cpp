@@ -1,15 +1,13 @@
 #include <iterator>
 #include <ostream>
 
-#include "cim/Names.h"
-#include "cim/TypeText.h"
 #include "zelcore/TCIMValue.h"
 #include "zelcore/detail/Ascii.h"
 #include "zelcore/detail/Fail.h"
+#include "zelcore/detail/SameText.h"
+#include "zelcore/detail/TypeText.h"
 
-using zelcore::detail::EqualsIgnoringAsciiCase;
 using zelcore::detail::Fail;
-using zelcore::detail::IsSameText;
 using zelcore::detail::ToAsciiLower;
 using zelcore::detail::TypeText;
 

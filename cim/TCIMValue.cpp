@@ -8,8 +8,8 @@
 #include "cim/TCIMArrayValueImpl.h"
 #include "cim/TCIMNumericValueImpl.h"
 #include "cim/TCIMObjectValueImpl.h"
-#include "cim/TypeText.h"
 #include "zelcore/detail/Fail.h"
+#include "zelcore/detail/TypeText.h"
 
 using zelcore::detail::Fail;
 using zelcore::detail::ParseNumber;

@@ -5,6 +5,7 @@
 #include "cim/SchemaChanges.h"
 #include "cim/TCIMPropertyDeclImpl.h"
 #include "cim/TContainerImpl.h"
+#include "zelcore/detail/SameText.h"
 
 using zelcore::detail::EqualsIgnoringAsciiCase;
 using zelcore::detail::IsSameText;

@@ -3,12 +3,18 @@
 #include <iterator>
 #include <memory>
 
-#include "cim/Names.h"
-#include "cim/TCIMInstanceImpl.h"
-#include "cim/TCIMPropertyImpl.h"
+#include "zelcore/TCIMProperty.h"
 #include "zelcore/TContainer.h"
+#include "zelcore/detail/InPlace.h"
+#include "zelcore/detail/SameText.h"
 
+using zelcore::detail::CountSlots;
+using zelcore::detail::FindSlot;
 using zelcore::detail::IsSameText;
+using zelcore::detail::kNoSlot;
+using zelcore::detail::LayoutOf;
+using zelcore::detail::SetFromText;
+using zelcore::detail::SlotOf;
 
 using TCIMType = TCIMValue::TCIMType;
 
@@ -19,14 +25,14 @@ void TCIMXMLParser::TStateInstance::HandleAttrs(TCIMXMLParser& parser,
   TCIMClass* const cls =
       LookUp("class", fClassName, [&] { return parser.fContainer.GetClass(fClassName); });
   std::unique_ptr<TCIMInstance> instance(parser.fContainer.AllocateInstance(cls));
-  fInstance = instance->GetBody().get();
+  fInstance = instance.get();
   fParent.Hold(std::move(instance));
 
-  const boost::shared_ptr<const TPropertyLayout>& layout = fInstance->Layout();
+  const boost::shared_ptr<const TPropertyLayout>& layout = LayoutOf(*fInstance);
   fTags = &fTagsOfClasses[layout.get()];
   if (!fTags->layout) {
     fTags->layout = layout;
-    fTags->bySlot.resize(layout->Size());
+    fTags->bySlot.resize(CountSlots(*layout));
   }
   fExpected = &fTags->first;
 }
@@ -35,7 +41,7 @@ TCIMXMLParser::TTakenTag TCIMXMLParser::TStateInstance::TakeKnownTag(TCIMXMLPars
                                                                      std::string_view rest) {
   constexpr int kSteps = 4;  // one instance may leave out what another has
   std::size_t slot = *fExpected;
-  for (int step = 0; step < kSteps && slot != kNone; ++step) {
+  for (int step = 0; step < kSteps && slot != kNoSlot; ++step) {
     TPropertyTag& known = fTags->bySlot[slot];
     const std::string& text = known.tag.text;
     if (!text.empty() && IsSameText(rest.substr(0, text.size()), text)) {
@@ -64,9 +70,9 @@ void TCIMXMLParser::TStateInstance::Remember(const TKnownTag& tag, std::size_t s
 void TCIMXMLParser::TStateProperty::HandleAttrs(TCIMXMLParser& parser,
                                                 const TAttributes& attributes) {
   fAttributes.Read(attributes);
-  const TCIMInstanceImpl& instance = fInstance.GetInstance();
-  const std::size_t slot = instance.Layout()->Find(fAttributes.name);
-  if (slot == TPropertyLayout::kNoSlot) {
+  const TCIMInstance& instance = fInstance.GetInstance();
+  const std::size_t slot = FindSlot(*LayoutOf(instance), fAttributes.name);
+  if (slot == kNoSlot) {
     fAttributes.GetType();  // refuses a bad one first
     LookUp("property", fAttributes.name,
            [&] { return instance.GetProperty(std::string(fAttributes.name)); });
@@ -80,15 +86,15 @@ void TCIMXMLParser::TStateProperty::HandleAttrs(TCIMXMLParser& parser,
 }
 
 void TCIMXMLParser::TStateProperty::Start(std::size_t slot, unsigned int arraySize) {
-  const TCIMInstanceImpl& instance = fInstance.GetInstance();
-  fProperty = instance.PropertyAt(slot).GetBody();
-  fType = instance.Layout()->Type(slot);
+  const zelcore::detail::TSlot place = SlotOf(fInstance.GetInstance(), slot);
+  fProperty = place.property;
+  fType = place.type;
   fMaxArraySize = arraySize;
   fValue.reset();
 }
 
 void TCIMXMLParser::TStateProperty::TakeText(TCIMXMLParser& parser, std::string_view text) {
-  if (!fProperty->SetFromText(fType, text)) TValueSlot::TakeText(parser, text);
+  if (!SetFromText(*fProperty, fType, text)) TValueSlot::TakeText(parser, text);
 }
 
 // The first value is set at once; what can be refused waits for the end of the element.

@@ -5,9 +5,9 @@
 
 #include "xml/DocumentStates.h"
 #include "zelcore/TCIMInstance.h"
+#include "zelcore/detail/InPlace.h"
 
-class TCIMInstanceImpl;
-class TCIMPropertyImpl;
+class TCIMProperty;
 class TPropertyLayout;
 
 // Instances, their properties, and values.
@@ -23,30 +23,29 @@ class TCIMXMLParser::TStateInstance : public TTableState, public IQualifierTarge
   void HandleAttrs(TCIMXMLParser& parser, const TAttributes& attributes) override;
   TTakenTag TakeKnownTag(TCIMXMLParser& parser, std::string_view rest) override;
   ICIMAllowQualifiers* GetQualified() override { return nullptr; }
-  const TCIMInstanceImpl& GetInstance() const { return *fInstance; }
+  const TCIMInstance& GetInstance() const { return *fInstance; }
 
   // That the tag just read starts `property`, which stands at `slot`.
   void Remember(const TKnownTag& tag, std::size_t slot, TStateProperty& property);
 
  private:
-  static constexpr std::size_t kNone = static_cast<std::size_t>(-1);
-
   struct TPropertyTag {
     TKnownTag tag;  // without text: none has been read
     TStateProperty* state = nullptr;
     unsigned int arraySize = 0;
-    std::size_t next = kNone;  // the slot of the property that is expected behind it
+    std::size_t next =
+        zelcore::detail::kNoSlot;  // the slot of the property that is expected behind it
   };
   // The tags of the properties of one class: its instances are mostly written alike.
   struct TPropertyTags {
     boost::shared_ptr<const TPropertyLayout> layout;
     std::vector<TPropertyTag> bySlot;
-    std::size_t first = kNone;
+    std::size_t first = zelcore::detail::kNoSlot;
   };
 
   TObjectState& fParent;
   std::string fClassName;
-  const TCIMInstanceImpl* fInstance = nullptr;
+  const TCIMInstance* fInstance = nullptr;
   std::unordered_map<const TPropertyLayout*, TPropertyTags> fTagsOfClasses;
   TPropertyTags* fTags = nullptr;    // of this instance's class
   std::size_t* fExpected = nullptr;  // the slot of the next property, in fTags
@@ -78,7 +77,7 @@ class TCIMXMLParser::TStateProperty : public TTableState,
   TStateInstance& fInstance;
   const bool fIsArray;
   TPropertyAttributes fAttributes;
-  TCIMPropertyImpl* fProperty = nullptr;
+  TCIMProperty* fProperty = nullptr;
 };
 
 class TCIMXMLParser::TStatePropertyArray : public TStateProperty {

@@ -4,10 +4,10 @@
 #include <locale>
 #include <sstream>
 
-#include "cim/TypeText.h"
 #include "xml/DocumentStates.h"
 #include "zelcore/TCIMDateTime.h"
 #include "zelcore/detail/Fail.h"
+#include "zelcore/detail/TypeText.h"
 
 using zelcore::detail::LogCore;
 using zelcore::detail::Text;

@@ -9,13 +9,6 @@
 #include <ostream>
 #include <unordered_set>
 
-#include "cim/TCIMInstanceImpl.h"
-#include "cim/TCIMNumericValueImpl.h"
-#include "cim/TCIMObjectValueImpl.h"
-#include "cim/TCIMPropertyDeclImpl.h"
-#include "cim/TCIMPropertyImpl.h"
-#include "cim/TCIMReferenceImpl.h"
-#include "cim/TypeText.h"
 #include "xml/TClassOrder.h"
 #include "xml/TDocumentSink.h"
 #include "xml/XmlText.h"
@@ -30,12 +23,19 @@
 #include "zelcore/TCIMValue.h"
 #include "zelcore/TContainer.h"
 #include "zelcore/detail/Fail.h"
+#include "zelcore/detail/InPlace.h"
+#include "zelcore/detail/TypeText.h"
 
+using zelcore::detail::DefaultOf;
 using zelcore::detail::Fail;
+using zelcore::detail::KeysOf;
+using zelcore::detail::LayoutOf;
 using zelcore::detail::LogCore;
+using zelcore::detail::ReferenceOf;
 using zelcore::detail::Text;
+using zelcore::detail::TextOf;
 using zelcore::detail::TypeText;
-using zelcore::detail::VisitNumeric;
+using zelcore::detail::ValueOf;
 
 namespace {
 
@@ -131,11 +131,11 @@ class TDocument {
   void WriteInstance(const TCIMInstance& instance) {
     fOwner = instance.GetClass()->GetName();
     Put("<VALUE.OBJECT><INSTANCE CLASSNAME=\"", fOwner, "\">\n");
-    const TCIMInstanceImpl& body = *instance.GetBody();
-    if (body.Layout() != fLayout) Prepare(body.Layout());
-    for (std::size_t slot = 0; slot < fStartTags.size(); ++slot) {
-      const TCIMPropertyImpl& property = *body.PropertyAt(slot).GetBody();
-      if (property.HasValue()) WriteProperty(property, fStartTags[slot]);
+    if (LayoutOf(instance) != fLayout) Prepare(instance);
+    std::size_t slot = 0;
+    for (const TCIMProperty* property : instance.EnumerateProperties()) {
+      if (!property->GetPropagated()) WriteProperty(*property, fStartTags[slot]);
+      ++slot;
     }
     Put("</INSTANCE></VALUE.OBJECT>\n");
   }
@@ -201,15 +201,14 @@ class TDocument {
 
   void WritePropertyDecl(const TCIMPropertyDecl& decl) {
     fMember = &decl;
-    WriteProperty(decl.GetBody()->Value(), decl.EnumerateQualifiers());
+    WriteProperty(DefaultOf(decl), decl.EnumerateQualifiers());
   }
 
-  void WriteProperty(const TCIMPropertyImpl& property, const std::string& startTag) {
-    const TCIMPropertyDecl& decl = *property.GetDeclaration();
-    const TCIMValue& value = property.Value();
-    fMember = &decl;
+  void WriteProperty(const TCIMProperty& property, const std::string& startTag) {
+    const TCIMValue& value = ValueOf(property);
+    fMember = property.GetDeclaration();
     if (value.IsNull()) {
-      if (!decl.GetBody()->Value().IsNull()) Warn("its NULL is read as the default");
+      if (!DefaultOf(*fMember).IsNull()) Warn("its NULL is read as the default");
     } else if (!startTag.empty()) {
       Put(startTag);
       WriteScalar(value);
@@ -219,15 +218,15 @@ class TDocument {
   }
 
   // Works out the start tags that all instances of a class have in common: those of scalars.
-  void Prepare(const boost::shared_ptr<const TPropertyLayout>& layout) {
-    fLayout = layout;
-    fStartTags.resize(layout->Size());
-    for (std::size_t slot = 0; slot < layout->Size(); ++slot) {
-      const TCIMType type = layout->Type(slot);
-      fStartTags[slot] = type.IsArray() || !IsText(type)
-                             ? ""
-                             : Text("<PROPERTY NAME=\"", layout->Decl(slot).GetName(), "\" TYPE=\"",
-                                    TypeText(type), "\">");
+  void Prepare(const TCIMInstance& instance) {
+    fLayout = LayoutOf(instance);
+    fStartTags.clear();
+    for (const TCIMProperty* property : instance.EnumerateProperties()) {
+      const TCIMType type = property->GetType();
+      fStartTags.push_back(type.IsArray() || !IsText(type)
+                               ? ""
+                               : Text("<PROPERTY NAME=\"", property->GetName(), "\" TYPE=\"",
+                                      TypeText(type), "\">"));
     }
   }
 
@@ -254,7 +253,7 @@ class TDocument {
   void WriteValue(const TCIMValue& value) {
     if (value.IsNull()) return;
     if (value.IsReference()) {
-      WriteReference(TCIMReferenceValueImpl::ValueOf(value));
+      WriteReference(ReferenceOf(value));
     } else if (value.IsArray()) {
       const std::vector<TCIMValue>& elements = value;
       Put("<VALUE.ARRAY>");
@@ -276,7 +275,7 @@ class TDocument {
   }
 
   void WriteReference(const TCIMReference& path) {
-    const std::map<std::string, TCIMValue>& keys = path.GetBody()->EnumerateKeyBindings();
+    const std::map<std::string, TCIMValue>& keys = KeysOf(path);
     Put("<VALUE.REFERENCE>");
     if (keys.empty()) {
       Put("<CLASSNAME NAME=\"", path.GetClass()->GetName(), "\"/>");
@@ -296,7 +295,7 @@ class TDocument {
     const TCIMPropertyDecl* const decl = cls.FindPropertyDecl(name);
     Put("<KEYBINDING NAME=\"", decl ? decl->GetName() : name, "\">");
     if (value.IsReference()) {
-      WriteReference(TCIMReferenceValueImpl::ValueOf(value));
+      WriteReference(ReferenceOf(value));
     } else {
       Put("<KEYVALUE", KeyKind(value.GetType()), ">");
       PutScalar(value);
@@ -307,34 +306,40 @@ class TDocument {
 
   void PutScalar(const TCIMValue& value) {
     switch (value.GetType()) {
-      case TCIMType::TypeDateTime: return PutDateTime(TCIMDateTimeValueImpl::ValueOf(value));
-      case TCIMType::TypeString: return PutText(TCIMStringValueImpl::ValueOf(value).View());
-      default: break;
-    }
-    VisitNumeric(value.GetType(),
-                 [&](auto tag) { PutNumber(static_cast<typename decltype(tag)::type>(value)); });
-  }
-
-  template <class T>
-  void PutNumber(T value) {
-    if constexpr (std::is_same_v<T, bool>) {
-      Put(Bool(value));
-    } else {
-      if constexpr (std::is_floating_point_v<T>) {
-        if (!std::isfinite(value)) return PutNotFinite(value);
-      }
-      char digits[32];
-      const char* const end = std::to_chars(digits, std::end(digits), value).ptr;
-      Put(std::string_view(digits, static_cast<std::size_t>(end - digits)));
+      case TCIMType::TypeBoolean: return Put(Bool(value));
+      case TCIMType::TypeUint8: return PutNumber(static_cast<unsigned char>(value));
+      case TCIMType::TypeSint8: return PutNumber(static_cast<signed char>(value));
+      case TCIMType::TypeUint16: return PutNumber(static_cast<unsigned short>(value));
+      case TCIMType::TypeSint16: return PutNumber(static_cast<short>(value));
+      case TCIMType::TypeUint32: return PutNumber(static_cast<unsigned int>(value));
+      case TCIMType::TypeSint32: return PutNumber(static_cast<int>(value));
+      case TCIMType::TypeUint64: return PutNumber(static_cast<unsigned long>(value));
+      case TCIMType::TypeSint64: return PutNumber(static_cast<long>(value));
+      case TCIMType::TypeReal32: return PutReal(static_cast<float>(value));
+      case TCIMType::TypeReal64: return PutReal(static_cast<double>(value));
+      case TCIMType::TypeDateTime: return PutDateTime(value);
+      case TCIMType::TypeString: return PutText(TextOf(value));
+      default: return Put(value.ToString(10));
     }
   }
 
-  void PutNotFinite(double value) {
-    Warn("a real that is not finite is read as 0");
-    Put(std::isnan(value) ? "NaN" : value < 0 ? "-INF" : "INF");
+  template <class TReal>
+  void PutReal(TReal value) {
+    if (!std::isfinite(value)) {
+      Warn("a real that is not finite is read as 0");
+      return Put(std::isnan(value) ? "NaN" : value < 0 ? "-INF" : "INF");
+    }
+    PutNumber(value);
   }
 
-  void PutDateTime(const TCIMDateTimeImpl& value) {
+  template <class TNumber>
+  void PutNumber(TNumber value) {
+    char digits[32];
+    const char* const end = std::to_chars(digits, std::end(digits), value).ptr;
+    Put(std::string_view(digits, static_cast<std::size_t>(end - digits)));
+  }
+
+  void PutDateTime(const TCIMDateTime& value) {
     constexpr std::size_t kSize = 25;
     constexpr unsigned int kMaxDays = 65535;
     if (value.IsNull()) return Warn("a datetime that is not set is read as 1970-01-01");

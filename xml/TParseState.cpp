@@ -1,7 +1,7 @@
 #include "xml/TParseState.h"
 
-#include "cim/Names.h"
 #include "zelcore/detail/Ascii.h"
+#include "zelcore/detail/SameText.h"
 
 using zelcore::detail::EqualsIgnoringAsciiCase;
 using zelcore::detail::IsSameText;

@@ -11,8 +11,8 @@
 #include <emmintrin.h>
 #endif
 
-#include "cim/Names.h"
 #include "zelcore/detail/Ascii.h"
+#include "zelcore/detail/SameText.h"
 
 // One member per rule. A byte is looked up once in a table of classes; the hot loops walk the
 // buffer by pointer, while the rules around them read byte by byte with GetChar() and UngetChar(),

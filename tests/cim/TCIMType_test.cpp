@@ -2,7 +2,7 @@
 
 #include <sstream>
 
-#include "cim/TypeText.h"
+#include "zelcore/detail/TypeText.h"
 #include "tests/support/Status.h"
 #include "zelcore/TCIMValue.h"
 
