@@ -86,8 +86,7 @@ void TCollection::ReadDocuments() {
   try {
     fSchema->PopulateContainerFromFile(fBaseSchema);
   } catch (const std::exception& error) {
-    const std::string why = FirstLoggedError();
-    refuseBase(why.empty() ? error.what() : why);
+    refuseBase(WhyFailed(error));
   }
   std::set<std::string> read;
   for (TFoundPlugin& plugin : fPlugins) {

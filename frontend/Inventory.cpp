@@ -6,6 +6,7 @@
 
 #include <algorithm>
 #include <filesystem>
+#include <new>
 #include <optional>
 
 #include "frontend/Descriptor.h"
@@ -88,25 +89,27 @@ std::string WhyUnreadable(const std::string& path, const std::exception& error) 
   if (EndsIn(path, ".gz") && !IsGzip(path)) return TextOf(TRule::kGzipName);
   const std::optional<TRule> fault = Unpack(path).fault;
   if (fault) return TextOf(*fault);
-  const std::string logged = FirstLoggedError();
+  const std::string why = WhyFailed(error);
   // What gzip itself forgives, such as bytes after the end.
-  if (IsGzip(path) && logged.rfind("Couldn't read file ", 0) == 0) {
-    return TextOf(TRule::kGzipDamaged);
-  }
-  return logged.empty() ? error.what() : logged;
+  if (IsGzip(path) && why.rfind("Couldn't read file ", 0) == 0) return TextOf(TRule::kGzipDamaged);
+  return why;
 }
 
 void ReadFile(TContainer& container, const TInput& input) {
   input.RequireFile("'zel collect -o FILE' saves a collection");
+  const auto refuse = [&](const std::string& why) {
+    throw TCommandError(kExitBadInput,
+                        Printable(fmt::format("cannot read '{}': {}; 'zel validate' tells more",
+                                              input.GetTitle(), why)));
+  };
   TLogger::GetInstance()->ClearLog();
   try {
     const TDescriptor open = OpenAsItIs(input.GetPath());
     container.PopulateContainerFromFile(open ? PathOf(open) : input.GetPath());
+  } catch (const std::bad_alloc& error) {
+    refuse(WhyFailed(error));  // there is no room to find out more
   } catch (const std::exception& error) {
-    throw TCommandError(
-        kExitBadInput,
-        Printable(fmt::format("cannot read '{}': {}; 'zel validate' tells more", input.GetTitle(),
-                              WhyUnreadable(input.GetPath(), error))));
+    refuse(WhyUnreadable(input.GetPath(), error));
   }
 }
 

@@ -4,6 +4,7 @@
 #include <string.h>
 
 #include <cerrno>
+#include <new>
 
 #include "frontend/ExitCode.h"
 #include "zelcore/TLogger.h"
@@ -29,6 +30,14 @@ std::string FirstLoggedError() {
     if (entry.severity <= zelLogError) return entry.message;
   }
   return "";
+}
+
+std::string WhyFailed(const std::exception& error) {
+  if (dynamic_cast<const std::bad_alloc*>(&error)) {
+    return "what it describes does not fit into memory";
+  }
+  const std::string logged = FirstLoggedError();
+  return logged.empty() ? error.what() : logged;
 }
 
 }  // namespace zel

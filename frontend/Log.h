@@ -1,5 +1,6 @@
 #pragma once
 
+#include <exception>
 #include <string>
 
 #include "zelcore/zel.h"
@@ -13,5 +14,8 @@ void StartLog(const std::string& file, zelLogSeverity level);
 // The text of the first error that the library logged since the log was cleared; empty when there
 // is none.
 std::string FirstLoggedError();
+
+// Why the library failed with this: what it logged first tells more than the exception. For people.
+std::string WhyFailed(const std::exception& error);
 
 }  // namespace zel

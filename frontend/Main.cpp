@@ -6,6 +6,7 @@
 #include <algorithm>
 #include <exception>
 #include <map>
+#include <new>
 
 #include "frontend/Commands.h"
 #include "frontend/ExitCode.h"
@@ -171,6 +172,9 @@ int Main(int argc, const char* const* argv, TStreams streams) {
   } catch (const TCommandError& error) {
     streams.err << "zel: " << Printable(error.what()) << "\n";
     code = error.GetExitCode();
+  } catch (const std::bad_alloc&) {
+    streams.err << "zel: out of memory\n";
+    code = kExitBadInput;
   } catch (const std::exception& error) {
     streams.err << "zel: " << Printable(error.what()) << "\n";
     code = kExitBadInput;

@@ -100,6 +100,7 @@ std::optional<TStrictReader::TFault> TStrictReader::Read(std::string_view text, 
       XML_Parse(fParser, text.data(), static_cast<int>(text.size()), isWhole ? 1 : 0);
   if (fException) std::rethrow_exception(fException);
   if (status != XML_STATUS_ERROR || fIsStopped) return std::nullopt;
+  if (XML_GetErrorCode(fParser) == XML_ERROR_NO_MEMORY) throw std::bad_alloc();
   return TFault{GetLine(), static_cast<std::size_t>(XML_GetCurrentByteIndex(fParser)), fPlace,
                 XML_ErrorString(XML_GetErrorCode(fParser))};
 }

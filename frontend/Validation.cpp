@@ -7,6 +7,7 @@
 #include <algorithm>
 #include <cerrno>
 #include <charconv>
+#include <new>
 #include <string_view>
 
 #include "frontend/DocumentText.h"
@@ -31,8 +32,7 @@ void ReadBase(TContainer& container, const std::string& path) {
   try {
     container.PopulateContainerFromFile(path);
   } catch (const std::exception& error) {
-    const std::string why = FirstLoggedError();
-    refuse(why.empty() ? error.what() : why);
+    refuse(WhyFailed(error));
   }
 }
 
@@ -88,7 +88,7 @@ TCounts ReadDocument(TContainer& container, const std::string& path, TFindings& 
   TLogger::GetInstance()->ClearLog();
   try {
     container.PopulateContainerFromFile(path);
-  } catch (const std::exception& error) {
+  } catch (const TZELException& error) {
     if (FirstLoggedError().empty()) findings.Add(TRule::kReader, 0, {error.what()});
   }
   AddLog(findings);
@@ -160,7 +160,7 @@ std::optional<TCounts> CheckText(std::string_view text, TContainer& container,
 
 }  // namespace
 
-TValidation Validate(const TInput& input, const TValidationOptions& options) {
+TValidation Validate(const TInput& input, const TValidationOptions& options) try {
   const TDocumentText document = ReadText(input);
   StartLog("", zelLogStatus);
   TValidation validation{TFindings(options.limit), {}, std::nullopt};
@@ -178,6 +178,9 @@ TValidation Validate(const TInput& input, const TValidationOptions& options) {
   }
   if (!document.fault) validation.holds = CheckText(document.text, container, findings);
   return validation;
+} catch (const std::bad_alloc& error) {
+  throw TCommandError(kExitBadInput, Printable(fmt::format("cannot read '{}': {}", input.GetTitle(),
+                                                           WhyFailed(error))));
 }
 
 }  // namespace zel

@@ -2,9 +2,9 @@
 
 #include <sstream>
 
-#include "zelcore/detail/TypeText.h"
 #include "tests/support/Status.h"
 #include "zelcore/TCIMValue.h"
+#include "zelcore/detail/TypeText.h"
 
 namespace {
 
