@@ -61,8 +61,7 @@ TCIMClassImpl::TCIMClassImpl(TCIMClass* owner, TContainer* container, const std:
       fContainer(container),
       fName(name),
       // Still null while the root class itself is being made.
-      fSuperClass(superClass ? superClass : container->GetRootClass()),
-      fAdded(false) {
+      fSuperClass(superClass ? superClass : container->GetRootClass()) {
   if (!superClass) {
     fTable = boost::make_shared<TDeclTable>();
     return;
@@ -73,15 +72,7 @@ TCIMClassImpl::TCIMClassImpl(TCIMClass* owner, TContainer* container, const std:
 
 TCIMClassImpl::~TCIMClassImpl() = default;
 
-void TCIMClassImpl::Unlink() {
-  fSubClasses.clear();
-  fAssociationClasses.clear();
-  fAssociated.clear();
-  fAdded = false;
-}
-
 void TCIMClassImpl::LeaveOtherClasses() {
-  if (!fAdded) return;
   TCIMClassImpl& superClass = Body(*fSuperClass);
   superClass.RemoveChildClass(*fOwner);
   for (TCIMClass* child : fSubClasses) {
@@ -93,7 +84,9 @@ void TCIMClassImpl::LeaveOtherClasses() {
     std::vector<TCIMClass*>& remembered = Body(*association).fAssociated;
     remembered.erase(std::remove(remembered.begin(), remembered.end(), fOwner), remembered.end());
   }
-  Unlink();
+  fSubClasses.clear();
+  fAssociationClasses.clear();
+  fAssociated.clear();
 }
 
 void TCIMClassImpl::Validate() const {
@@ -109,7 +102,6 @@ void TCIMClassImpl::AddToContainer() {
   const bool isAssociation = IsAssociation();  // may throw: nothing is registered yet
   fContainer->AddClass(*fOwner);
   Body(*fSuperClass).AddChildClass(*fOwner);
-  fAdded = true;
   if (isAssociation) LinkAssociatedClasses();
 }
 

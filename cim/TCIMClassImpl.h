@@ -39,8 +39,6 @@ class ZEL_API TCIMClassImpl : public TCIMElementImpl {
   // To be called before a registered class goes. Undoes these links: what pointed at this class
   // points at its superclass afterwards.
   void LeaveOtherClasses();
-  // Forgets all links to other classes, which may go in any order afterwards.
-  void Unlink();
 
   const std::string& GetName() const { return fName; }
   TCIMClass* GetSuperClass() const { return fSuperClass; }
@@ -103,5 +101,4 @@ class ZEL_API TCIMClassImpl : public TCIMElementImpl {
   TInstanceRegistry fInstances;
   std::string fPathText;  // of the instance that was added last; for its memory
   mutable std::unique_ptr<TReferenceIndex> fReferenceIndex;  // of fInstances, once it was asked
-  bool fAdded;
 };

@@ -45,11 +45,7 @@ auto GetFrom(TRegistry& registry, const std::string& name) {
 TContainerImpl::TContainerImpl(TContainer* owner)
     : fOwner(owner), fInstanceMemory(boost::make_shared<TBlockPool>()), fIsDiff(false) {}
 
-TContainerImpl::~TContainerImpl() {
-  // Superclasses come before or after their subclasses in the registry: no class may look at
-  // another while they go.
-  for (const auto& [key, cls] : fClasses) cls->GetBody()->Unlink();
-}
+TContainerImpl::~TContainerImpl() = default;
 
 std::string TContainerImpl::NormalizeName(const std::string& name) {
   CheckName(name);

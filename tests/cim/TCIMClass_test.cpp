@@ -256,7 +256,6 @@ TEST(TCIMClass, KeepsListsOfChildrenAndAssociations) {
   body.AddAssociationClass(*other);
   body.AddAssociationClass(*other);
   EXPECT_EQ(std::set<TCIMClass*>{other.get()}, AssociationsOf(*cls));
-  body.Unlink();
 }
 
 TEST(TCIMClass, HandsItsSubclassesUpWhenItIsRemoved) {
