@@ -29,7 +29,7 @@ std::string NameOf(const TCIMClass* cls) { return cls ? cls->GetName() : ""; }
 TCIMPropertyImpl::TCIMPropertyImpl(TCIMProperty* owner, const TCIMPropertyImpl& other)
     : TCIMPropertyImpl(owner, other.fDeclaration) {
   if (other.fHasValue) SetValue(other.fValue);
-  if (other.fPrevDiffers && other.fPrevValue) SetPrevValue(*other.fPrevValue);
+  if (other.fPrevValue) SetPrevValue(*other.fPrevValue);
 }
 
 void TCIMPropertyImpl::Release(TCIMPropertyImpl* body) {
@@ -45,7 +45,6 @@ void TCIMPropertyImpl::Take(TCIMPropertyImpl&& other) {
   fValue.Take(other.fValue);
   fPrevValue = std::move(other.fPrevValue);
   fHasValue = other.fHasValue;
-  fPrevDiffers = other.fPrevDiffers;
   ReportChange();
 }
 
@@ -65,8 +64,7 @@ void TCIMPropertyImpl::SetValue(TCIMValue&& value) {
 
 void TCIMPropertyImpl::ReplaceValue(TCIMValue&& value) {
   if (value.IsReference()) ReportChange();
-  TCIMValue taken(std::move(value));  // may be part of the former value
-  fValue.Take(taken);
+  fValue.Take(value);
   fHasValue = true;
 }
 
@@ -74,16 +72,12 @@ void TCIMPropertyImpl::ReportChange() {
   if (fWatchedSlot != kUnwatched) TReferenceWatch::Before(fOwner - fWatchedSlot)->Report();
 }
 
-const TCIMValue& TCIMPropertyImpl::PrevValue() const {
-  if (!fPrevDiffers) return Value();
-  return fPrevValue ? *fPrevValue : DefaultOf(*fDeclaration);
-}
+const TCIMValue& TCIMPropertyImpl::PrevValue() const { return fPrevValue ? *fPrevValue : Value(); }
 
 // sic: unlike SetValue(), any NULL passes.
 void TCIMPropertyImpl::SetPrevValue(const TCIMValue& value) {
   if (!value.IsNull()) Check("SetPrevValue", value);
   fPrevValue = std::make_unique<TCIMValue>(value);
-  fPrevDiffers = true;
 }
 
 // Throws zelStatusTypeMismatch unless `value` is of the declared type and, for a reference, refers

@@ -43,7 +43,7 @@ class ZEL_API TCIMPropertyImpl {
   }
 
   const TCIMValue& PrevValue() const;
-  bool IsPrevValueDifferent() const { return fPrevDiffers; }
+  bool IsPrevValueDifferent() const { return fPrevValue != nullptr; }
   void SetPrevValue(const TCIMValue& value);
 
   // Text for people, in TCIMPropertyDisplay.cpp.
@@ -88,9 +88,8 @@ class ZEL_API TCIMPropertyImpl {
   TCIMProperty* fOwner;
   const TCIMPropertyDecl* fDeclaration;  // kept alive by its class
   TCIMValue fValue;
-  std::unique_ptr<TCIMValue> fPrevValue;
-  bool fHasValue = false;  // whether fValue counts
-  bool fPrevDiffers = false;
+  std::unique_ptr<TCIMValue> fPrevValue;  // null: none was set
+  bool fHasValue = false;                 // whether fValue counts
   const bool fInBlock;               // part of an instance's block of properties, which frees it
   const std::uint32_t fWatchedSlot;  // in a block with a TReferenceWatch; or kUnwatched
 };
