@@ -31,7 +31,7 @@ bool IsPlain(std::string_view text) {
     return text.find_first_not_of("0123456789.eE+-") == std::string_view::npos;
   } else {
     if (text == "0") return true;
-    if (std::is_signed_v<T> && !text.empty() && text[0] == '-') text.remove_prefix(1);
+    if (!text.empty() && text[0] == '-') text.remove_prefix(1);
     return !text.empty() && IsAsciiDigit(text[0]) && text[0] != '0';
   }
 }

@@ -131,7 +131,6 @@ void TReferenceIndex::AppendEntries(const TInstanceRegistry& associations, std::
   if (found == fReferrers.end()) return;
   TEntries& referrers = found->second;
   const std::size_t before = referrers.size();
-  if (fStale > 0) SortUnique(referrers);
   const auto isPast = [&](std::uint32_t entry) {
     const TCIMInstance* const association = associations.At(entry);
     return !association || (fStale > 0 && !Refers(*association->GetBody(), key));
