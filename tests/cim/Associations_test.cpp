@@ -129,6 +129,15 @@ TEST_F(AssociationsTest, LeadToNoClassThatIsUnknown) {
   }
 }
 
+TEST_F(AssociationsTest, OfNothingNeedARoleThatCanBeAName) {
+  TCIMClass& lone = fSchema.AddClass("T_Lone");
+  const TCIMInstance& instance = fSchema.AddInstance(lone, "l");
+  EXPECT_EQ(TNames{}, AssociatorsOf(lone, "", "", "Nothing"));
+  EXPECT_EQ(TInstances{}, instance.Associators("", "", "Nothing", ""));
+  EXPECT_EQ("zelStatusInvalidCIMName", StatusOf([&] { lone.Associators("", "", "a-b", ""); }));
+  EXPECT_EQ("zelStatusInvalidCIMName", StatusOf([&] { instance.Associators("", "", "a-b", ""); }));
+}
+
 TEST_F(AssociationsTest, PassOverPropertiesAndReferencesWithoutAClass) {
   std::unique_ptr<TCIMClass> cls = fSchema.Class("T_Odd");
   fSchema.Qualify(*cls, "ASSOCIATION");
@@ -305,6 +314,9 @@ TEST_F(AssociationsTest, MayBeInstancesOfAClassWithoutReferences) {
   text.SetValue(TCIMValue(Path(fFan, "g")));
   EXPECT_EQ(TInstances{}, f.References("", ""));
   EXPECT_EQ(TInstances{taken}, g.References("", ""));
+  TCIMInstance& cools = AddLink(fCools, Path(fFan, "g"), Path(fDisk, "d"));
+  fCools.RemoveInstance(*taken);
+  EXPECT_EQ(TInstances{&cools}, g.References("", ""));
 }
 
 TEST_F(AssociationsTest, AreLookedUpByThePathThatTheInstanceIsRegisteredUnder) {
