@@ -9,11 +9,12 @@
 #include "cim/HugePages.h"
 #include "cim/TArena.h"
 #include "zelcore/TCIMInstance.h"
+#include "zelcore/detail/Export.h"
 
 // The instances of one class by the text of their paths. Several may stand under one path, in the
 // order of their arrival. Adding and finding take the same time however many there are; the order
 // of the paths is worked out when it is asked for.
-class TInstanceRegistry {
+class ZEL_API TInstanceRegistry {
  public:
   TInstanceRegistry() = default;
   ~TInstanceRegistry();

@@ -6,8 +6,10 @@
 #include <map>
 #include <memory>
 #include <set>
+#include <unordered_map>
 
 #include "cim/TCIMClassImpl.h"
+#include "cim/TInstanceRegistry.h"
 #include "tests/cim/Schema.h"
 #include "tests/support/LogSpy.h"
 #include "tests/support/Status.h"
@@ -301,6 +303,15 @@ TEST(TCIMClass, IsRecordedOnTheMostGeneralClassesItAssociates) {
   EXPECT_EQ(0u, AssociationsOf(other).count(&all));
 }
 
+TEST(TCIMClass, IsRecordedBesideOneOfTheSameNameInAnotherContainer) {
+  Schema schema;
+  Schema other;
+  TCIMClass& fan = schema.AddClass("ACME_Fan");
+  TCIMClass& cools = schema.AddAssociation("ACME_Cools", fan, fan);
+  TCIMClass& foreign = other.AddAssociation("acme_cools", fan, fan);
+  EXPECT_EQ((std::set<TCIMClass*>{&cools, &foreign}), AssociationsOf(fan));
+}
+
 TEST(TCIMClass, IsForgottenByThoseItAssociatedWhenItIsRemoved) {
   Schema schema;
   TCIMClass& disk = schema.AddClass("ACME_Disk");
@@ -403,6 +414,25 @@ TEST(TCIMClass, FindsInstancesOfPathsOfEveryLength) {
     EXPECT_EQ(instance, fan.FindInstance(schema.PathOf(fan, std::string(length, 'x')))) << length;
   }
   EXPECT_EQ(nullptr, fan.FindInstance(schema.PathOf(fan, "xx")));
+}
+
+TEST(TCIMClass, TellsApartInstancesOfPathsWhoseHashesAreAlike) {
+  Schema schema;
+  TCIMClass& fan = schema.AddClass("ACME_Fan");
+  std::unordered_map<std::uint32_t, std::string> names;  // by the hashes of their paths
+  std::string name, other;
+  for (unsigned int i = 0; name == other; ++i) {
+    name = std::to_string(i);
+    const std::string path = schema.PathOf(fan, name).GetPath();
+    other = names.emplace(TInstanceRegistry::Hash(path), name).first->second;
+  }
+  TCIMInstance& first = schema.AddInstance(fan, other);
+  EXPECT_EQ(nullptr, fan.FindInstance(schema.PathOf(fan, name)));
+  TCIMInstance& second = schema.AddInstance(fan, name);
+  EXPECT_EQ(&first, fan.FindInstance(schema.PathOf(fan, other)));
+  EXPECT_EQ(&second, fan.FindInstance(schema.PathOf(fan, name)));
+  fan.RemoveInstance(first);
+  EXPECT_EQ(&second, fan.FindInstance(schema.PathOf(fan, name)));
 }
 
 TEST(TCIMClass, ListsInstancesOfSubclassesAfterItsOwn) {
