@@ -265,9 +265,10 @@ TEST(DateTimeSums, MirrorsPointsBeforeTheEpoch) {
 TEST(DateTimeSums, RefusesPointsBeyondTheRangeOfMicroseconds) {
   const TimeZone zone("UTC");
   const TCIMDateTime far(2004, 1, 2000000000, 0, 0, 0, 0, 0);
+  const TCIMDateTime nearer(2004, 1, 200000000, 0, 0, 0, 0, 0);
   const TCIMDateTime farBack(2004, 1, 3000000000u, 0, 0, 0, 0, 0);
   const TCIMDateTime point = Stamp("20040315142530.000000+000");
-  for (const TCIMDateTime& beyond : {far, farBack}) {
+  for (const TCIMDateTime& beyond : {far, nearer, farBack}) {
     EXPECT_EQ("zelStatusInvalidDateTime", StatusOf([&] { beyond + Days(1); }));
     EXPECT_EQ("zelStatusInvalidDateTime", StatusOf([&] { beyond - Days(1); }));
     EXPECT_EQ("zelStatusInvalidDateTime", StatusOf([&] { point - beyond; }));
@@ -287,6 +288,8 @@ TEST(DateTimeDifferences, GiveTheDistanceOfTwoPointsInTime) {
       {"20040315142530.900000+000", "20040315142531.100000+000", "00000000000000.200000:000"},
       {"20040315142530.000000+000", "20040315142530.000000+060", "00000000010000.000000:000"},
       {"20040315142530.000000-300", "20040315142530.000000+330", "00000000103000.000000:000"},
+      {"20040315142530.000000+060", "20040315132530.000000+000", "00000000000000.000000:000"},
+      {"20040315142530.000000-300", "20040315202530.000000+000", "00000000010000.000000:000"},
       {"20040101000000.000000+000", "20040701000000.000000+000", "00000182000000.000000:000"},
       {"19600101000000.000000+000", "20600101000000.000000+000", "00036525000000.000000:000"},
   };
