@@ -145,6 +145,9 @@ TEST_P(QualifierAttachment, TellsWhatIsNotThere) {
   EXPECT_EQ("zelStatusInvalidCIMName", StatusOf([&] { Element().GetQualifier("a b"); }));
   EXPECT_EQ("CIM name 'a b' is invalid", LastLogLine());
   EXPECT_EQ("zelStatusInvalidCIMName", StatusOf([&] { Find("a b"); }));
+  const TDecl odd(fSchema.Container(), "a b", TCIMValue(true), TDecl::ScopeNone, TDecl::FlavorNone);
+  TCIMQualifier unnamed(odd, TCIMValue(true));
+  EXPECT_EQ("zelStatusInvalidCIMName", StatusOf([&] { Element().RemoveQualifier(unnamed); }));
 }
 
 TEST_P(QualifierAttachment, ReplacesAnOverridableOneWhateverTheNew) {
