@@ -264,6 +264,13 @@ TEST_F(TValueMapTest, LooksUpInAnyTable) {
   EXPECT_EQ("1", body.LookupInTable(TCIMValue(1ul), rows, none));
   EXPECT_EQ("false", body.LookupInTable(TCIMValue(false), rows, none));
   EXPECT_EQ("rest", body.LookupInTable(TCIMValue(1ul), rows, rest));
+  rows = {
+      {2, 3, "C"}
+  };
+  const char* const shown[] = {"0", "1", "C", "C", "4"};
+  for (unsigned int code = 0; code < std::size(shown); ++code) {
+    EXPECT_EQ(shown[code], body.LookupInTable(TCIMValue(code), rows, none));
+  }
   const auto refused = [&](const TCIMValue& value) {
     return StatusOf([&] { body.LookupInTable(value, rows, rest); });
   };
