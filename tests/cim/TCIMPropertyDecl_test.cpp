@@ -95,6 +95,8 @@ TEST(TCIMPropertyDecl, StaysUnderTheNameItWasAddedWith) {
   const std::unique_ptr<TCIMInstance> instance = schema.Instance(fan);
   EXPECT_NE(nullptr, instance->FindProperty("AFTER"));
   EXPECT_EQ(nullptr, instance->FindProperty("Before"));
+  EXPECT_EQ(&decl, fan.FindPropertyDecl("before"));
+  EXPECT_EQ(nullptr, fan.FindPropertyDecl("After"));
 }
 
 TEST(TCIMPropertyDecl, BecomesAKeyWithItsQualifier) {
