@@ -11,8 +11,6 @@
 namespace zel {
 namespace {
 
-constexpr std::size_t kMaxText = 100U << 20U;  // that the reader takes
-
 // Looks for the declaration of KEY, which stands before all classes and instances.
 class TKeySearch : public TStrictReader {
  public:
@@ -56,11 +54,11 @@ TDocumentText Unpack(const std::string& path) {
   std::string text;
   char block[65536];
   int count = 0;
-  while (text.size() <= kMaxText && (count = gzread(file, block, sizeof block)) > 0) {
+  while (text.size() <= kMaxDocument && (count = gzread(file, block, sizeof block)) > 0) {
     text.append(block, static_cast<std::size_t>(count));
   }
   const bool isWhole = gzclose(file) == Z_OK && count >= 0;
-  if (text.size() > kMaxText) return {"", TRule::kTooLarge};
+  if (text.size() > kMaxDocument) return {"", TRule::kTooLarge};
   if (!isWhole) return {"", TRule::kGzipDamaged};
   return {std::move(text), std::nullopt};
 }

@@ -26,15 +26,20 @@ bool Append(const TDescriptor& file, std::string_view text) {
 TDescriptor KeepStandardInput() {
   TDescriptor memory = NewMemory();
   char block[65536];
-  for (;;) {
+  const auto refuse = [](const char* why) {
+    throw TCommandError(kExitBadInput, fmt::format("cannot read standard input: {}", why));
+  };
+  for (std::size_t size = 0; size <= kMaxDocument;) {
     const ssize_t count = read(STDIN_FILENO, block, sizeof block);
     if (count == 0) return memory;
     if (count < 0 && errno == EINTR) continue;
     if (count < 0 || !Append(memory, {block, static_cast<std::size_t>(count)})) {
-      throw TCommandError(kExitBadInput,
-                          fmt::format("cannot read standard input: {}", strerror(errno)));
+      refuse(strerror(errno));
     }
+    size += static_cast<std::size_t>(count);
   }
+  refuse("it is longer than 100 MiB");
+  return memory;
 }
 
 }  // namespace

@@ -1,16 +1,21 @@
 #pragma once
 
+#include <cstddef>
 #include <string>
 
 #include "frontend/Descriptor.h"
 
 namespace zel {
 
+// Of text, in bytes, that the library reads as one document.
+constexpr std::size_t kMaxDocument = 100U << 20U;
+
 // Where a command reads a document: a file or, called "-", standard input, all of which is kept in
 // memory, so that it has a path, too, and can be read again.
 class TInput {
  public:
-  // Does not touch a file. Throws TCommandError (kExitBadInput) when standard input fails.
+  // Does not touch a file. Throws TCommandError (kExitBadInput) when standard input fails, or is
+  // longer than any document.
   TInput(const std::string& name);  // NOLINT(google-explicit-constructor): a name stands for it
 
   bool IsStandardInput() const { return static_cast<bool>(fMemory); }

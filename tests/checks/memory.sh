@@ -1,7 +1,7 @@
 #!/usr/bin/env bash
 # Small documents that describe far more than fits into memory end zel with a word, and zel takes no
 # more of the machine's memory than it has said it would.
-set -euo pipefail
+set -eu
 work=$(mktemp -d)
 trap 'rm -rf "$work"' EXIT
 zel=$BUILD_DIR/zel
@@ -39,6 +39,12 @@ for document in wide deep; do
     grep -q memory "$work/out" || { echo "$command $document.xml: $(head -3 "$work/out")"; faults=1; }
   done
 done
+
+# Standard input is kept in memory as far as it can be a document.
+code=0
+head -c 200000000 /dev/zero | "$zel" show - >"$work/out" 2>&1 || code=$?
+expect "exit of show - </dev/zero" 4 $code
+expect "its word" "zel: cannot read standard input: it is longer than 100 MiB" "$(cat "$work/out")"
 
 # What it allows itself: 2 GiB, or three quarters of a smaller machine's memory.
 mkfifo "$work/input"
