@@ -388,13 +388,18 @@ std::string Nested(
   return "<PROPERTY.REFERENCE NAME=\"Next\">" + open + key + close + "</PROPERTY.REFERENCE>";
 }
 
-TEST(CIMXMLReference, NestsToADepth) {
-  Zoo zoo;
+// Zoo_Knot, an association whose key Next refers to anything.
+void DeclareKnot(Zoo& zoo) {
   EXPECT_EQ("zelStatusOK", zoo.ReadClass("NAME=\"Zoo_Knot\"",
                                          "<QUALIFIER NAME=\"Association\"><VALUE>true</VALUE>"
                                          "</QUALIFIER><PROPERTY.REFERENCE NAME=\"Next\">"
                                          "<QUALIFIER NAME=\"Key\"><VALUE>true</VALUE></QUALIFIER>"
                                          "</PROPERTY.REFERENCE>"));
+}
+
+TEST(CIMXMLReference, NestsToADepth) {
+  Zoo zoo;
+  DeclareKnot(zoo);
   EXPECT_EQ("zelStatusOK", zoo.ReadInstance("Zoo_Knot", Nested(60)));
   EXPECT_THAT(LogLines(), IsEmpty());
   EXPECT_EQ("zelStatusInvalidSpecificationDocument", zoo.ReadInstance("Zoo_Knot", Nested(100000)));
@@ -404,11 +409,7 @@ TEST(CIMXMLReference, NestsToADepth) {
 // 256 elements may be open: these are 3 for each reference and 6 around them, and the document.
 TEST(CIMXMLReference, ReadsTextAtTheGreatestDepthAndNotBelow) {
   Zoo zoo;
-  EXPECT_EQ("zelStatusOK", zoo.ReadClass("NAME=\"Zoo_Knot\"",
-                                         "<QUALIFIER NAME=\"Association\"><VALUE>true</VALUE>"
-                                         "</QUALIFIER><PROPERTY.REFERENCE NAME=\"Next\">"
-                                         "<QUALIFIER NAME=\"Key\"><VALUE>true</VALUE></QUALIFIER>"
-                                         "</PROPERTY.REFERENCE>"));
+  DeclareKnot(zoo);
   EXPECT_EQ("zelStatusOK",
             zoo.ReadInstance("Zoo_Knot", Nested(82,
                                                 "<VALUE.REFERENCE><INSTANCENAME "
