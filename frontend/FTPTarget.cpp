@@ -21,6 +21,12 @@ constexpr std::size_t kMaxHost = 253;
                                                         what, why)));
 }
 
+// What may be repeated of a URL: a password may stand before an '@', wherever the '@' stands.
+std::string Repeatable(const std::string& url) {
+  const std::size_t at = url.rfind('@');
+  return at == std::string::npos ? url : "..." + url.substr(at);
+}
+
 bool IsDigit(char c) { return '0' <= c && c <= '9'; }
 bool IsLetter(char c) { return ('a' <= c && c <= 'z') || ('A' <= c && c <= 'Z'); }
 bool IsControl(char c) { return static_cast<unsigned char>(c) < 0x20 || c == 0x7F; }
@@ -115,22 +121,22 @@ TFTPTarget ParseFTPTarget(const std::string& url) {
   std::string scheme = url.substr(0, kScheme.size());
   std::transform(scheme.begin(), scheme.end(), scheme.begin(),
                  [](char c) { return IsLetter(c) ? static_cast<char>(c | 0x20) : c; });
-  if (scheme != kScheme) Refuse(url, "it must begin with ftp://");
+  const std::string shown = Repeatable(url);
+  if (scheme != kScheme) Refuse(shown, "it must begin with ftp://");
   std::string_view rest = std::string_view(url).substr(kScheme.size());
   const std::size_t end = std::min(rest.find_first_of("/?#"), rest.size());
   const std::string_view authority = rest.substr(0, end);
   if (authority.find('@') != std::string_view::npos) {
-    // The URL is not repeated: it may hold a password.
     throw TCommandError(kExitUsage,
                         "uploads are anonymous: leave the user and the password out of --to");
   }
   if (rest.find_first_of("?#;") != std::string_view::npos) {
-    Refuse(url, "'?', '#' and ';' have no meaning in it; as part of a name write %3F, %23, %3B");
+    Refuse(shown, "'?', '#' and ';' have no meaning in it; as part of a name write %3F, %23, %3B");
   }
   TFTPTarget target;
-  ParseAuthority(authority, url, target);
+  ParseAuthority(authority, shown, target);
   rest.remove_prefix(std::min(end + 1, rest.size()));
-  target.directory = ParseDirectory(rest, url);
+  target.directory = ParseDirectory(rest, shown);
   return target;
 }
 

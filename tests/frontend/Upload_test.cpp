@@ -20,6 +20,7 @@ namespace {
 namespace fs = std::filesystem;
 using testing::Contains;
 using testing::HasSubstr;
+using testing::Not;
 using testing::StartsWith;
 
 // A document with a run in it, after the classes that it needs.
@@ -241,6 +242,7 @@ TEST(ParseFTPTarget, TakesHostPortAndDirectory) {
       {"FTP://Ftp.Example-1.org/in",  "Ftp.Example-1.org", "",      "in/"          },
       {"ftp://10.0.0.1:21/in/deep/",  "10.0.0.1",          "21",    "in/deep/"     },
       {"ftp://h:65535/a%20b/%C3%A9",  "h",                 "65535", "a b/\xC3\xA9/"},
+      {"ftp://h:1/%41",               "h",                 "1",     "A/"           },
       {"ftp://[::1]/x/",              "[::1]",             "",      "x/"           },
       {"ftp://[2001:db8::7]:2121/x/", "[2001:db8::7]",     "2121",  "x/"           },
       {"ftp://h/a..b/...",            "h",                 "",      "a..b/.../"    },
@@ -290,6 +292,7 @@ TEST(ParseFTPTarget, RefusesEverythingElse) {
       {"ftp://h:0/",            port                                    },
       {"ftp://h:65536/",        port                                    },
       {"ftp://h:21x/",          port                                    },
+      {"ftp://h:99999999999/",  port                                    },
       {"ftp://[::1]21/",        port                                    },
       {"ftp://me@h/",           user                                    },
       {"ftp://me:secret@h/in/", user                                    },
@@ -311,6 +314,18 @@ TEST(ParseFTPTarget, RefusesEverythingElse) {
       {"ftp://h/a%7F/",         "a name in it holds a control character"},
   };
   for (const auto& row : rows) EXPECT_EQ(row.refusal, RefusalOf(row.url)) << row.url;
+  // The longest that a name can be in the DNS.
+  EXPECT_EQ("none", RefusalOf("ftp://" + std::string(253, 'h')));
+  EXPECT_EQ(host, RefusalOf("ftp://" + std::string(254, 'h')));
+}
+
+TEST(ParseFTPTarget, RepeatsNoPassword) {
+  for (const char* url : {"http://me:secret@h/", "ftp://me:secret?x@h/", "ftp://me:secret#x@h/",
+                          "ftp://me:secret/x@h/", "ftp://me:%secret@h/", "secret@h/"}) {
+    EXPECT_THAT(RefusalOf(url), Not(HasSubstr("secret"))) << url;
+  }
+  EXPECT_EQ("'...@h/' is no place to upload to: it must begin with ftp://; see 'zel upload --help'",
+            RefusalOf("http://me:secret@h/"));
 }
 
 TEST(PercentEncoded, LeavesWhatMeansItselfEverywhere) {
