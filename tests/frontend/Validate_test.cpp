@@ -127,11 +127,13 @@ TEST_F(Validate, TellsWhatValuesAreReadOtherwise) {
       {"U8",  "255",                       ""                                                                          },
       {"U8",  " +255\n",                   ""                                                                          },
       {"U8",  "0xfF",                      ""                                                                          },
+      {"U8",  "0XFF",                      ""                                                                          },
       {"U8",  "-0",                        ""                                                                          },
       {"U8",  "256",                       "U8: '256' does not fit into uint8; it is read as 0 [out-of-range]"         },
       {"U8",  "300",                       "U8: '300' does not fit into uint8; it is read as 44 [out-of-range]"        },
       {"U8",  "-1",                        "U8: '-1' does not fit into uint8; it is read as 255 [out-of-range]"        },
       {"S8",  "-128",                      ""                                                                          },
+      {"S8",  "127",                       ""                                                                          },
       {"S8",  "128",                       "S8: '128' does not fit into sint8; it is read as -128 [out-of-range]"      },
       {"S8",  "-129",                      "S8: '-129' does not fit into sint8; it is read as 127 [out-of-range]"      },
       {"U16", "65535",                     ""                                                                          },
@@ -176,6 +178,8 @@ TEST_F(Validate, TellsWhatValuesAreReadOtherwise) {
       {"R64", "1,5",                       "R64: '1,5' is no real64; it is read as 1 [not-a-number]"                   },
       {"D",   "20040315142530.000000-300", ""                                                                          },
       {"D",   "20040229235960.999999+000", ""                                                                          },
+      {"D",   "20000229000000.000000+000", ""                                                                          },
+      {"D",   "20041231235959.999999+000", ""                                                                          },
       {"D",   "00065535235959.999999:000", ""                                                                          },
       {"D",   "20041301000000.000000+000",
        "D: there is no moment '20041301000000.000000+000'; the reader takes it as it stands "
@@ -185,6 +189,21 @@ TEST_F(Validate, TellsWhatValuesAreReadOtherwise) {
        "[datetime-fields]"                                                                                             },
       {"D",   "20030229000000.000000+000",
        "D: there is no moment '20030229000000.000000+000'; the reader takes it as it stands "
+       "[datetime-fields]"                                                                                             },
+      {"D",   "19000229000000.000000+000",
+       "D: there is no moment '19000229000000.000000+000'; the reader takes it as it stands "
+       "[datetime-fields]"                                                                                             },
+      {"D",   "20040431000000.000000+000",
+       "D: there is no moment '20040431000000.000000+000'; the reader takes it as it stands "
+       "[datetime-fields]"                                                                                             },
+      {"D",   "20040100000000.000000+000",
+       "D: there is no moment '20040100000000.000000+000'; the reader takes it as it stands "
+       "[datetime-fields]"                                                                                             },
+      {"D",   "20040101006000.000000+000",
+       "D: there is no moment '20040101006000.000000+000'; the reader takes it as it stands "
+       "[datetime-fields]"                                                                                             },
+      {"D",   "20040101000061.000000+000",
+       "D: there is no moment '20040101000061.000000+000'; the reader takes it as it stands "
        "[datetime-fields]"                                                                                             },
       {"D",   "20030228240000.000000+000",
        "D: there is no moment '20030228240000.000000+000'; the reader takes it as it stands "
@@ -519,6 +538,26 @@ TEST_F(Validate, ShowsNamesAndTextsEscaped) {
   EXPECT_THAT(Lines(Document(parts), 4, "a\x1b[31m.xml"),
               StartsWith(fDir.GetPath() + "/a\\x1B[31m.xml:13: warning: T_Thing.U8: '1\\x0A2" +
                          std::string(57, 'x') + "...' is no uint8; it is read as 1 "));
+}
+
+TEST_F(Validate, ShowsTheBeginningsOfLongTexts) {
+  const std::string most(60, 'x');
+  const struct {
+    std::string text;
+    std::string shown;
+  } rows[] = {
+      {most,                                most                          },
+      {most + "x",                          most + "..."                  },
+      {most.substr(1) + "\xC3\xA9",         most.substr(1) + "..."        },
+      {most.substr(2) + "\xC3\xA9",         most.substr(2) + "\xC3\xA9"   },
+      {most.substr(2) + "\xC3\xA9x",        most.substr(2) + "\xC3\xA9..."},
+      {most.substr(3) + "\xF0\x9F\x98\x80", most.substr(3) + "..."        },
+  };
+  for (const auto& row : rows) {
+    TParts parts;
+    parts.inInstance = Property("U8", row.text);
+    EXPECT_THAT(Lines(Document(parts), 4), HasSubstr("U8: '" + row.shown + "' is no uint8;"));
+  }
 }
 
 TEST_F(Validate, NeedsAFileThatCanBeRead) {
