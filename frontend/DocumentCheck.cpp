@@ -100,7 +100,6 @@ void TDocumentCheck::EndElement() {
   const TElement element = std::move(fOpen.back());
   fOpen.pop_back();
   if (element.rule && element.rule->end) (this->*element.rule->end)(element);
-  fText.clear();
 }
 
 void TDocumentCheck::Characters(std::string_view text) {
@@ -118,13 +117,13 @@ void TDocumentCheck::Characters(std::string_view text) {
 
 void TDocumentCheck::CharacterReference(std::string_view reference) {
   if (!fOpen.back().takesText) return;
-  const bool isHex = reference.size() > 2 && (reference[2] == 'x' || reference[2] == 'X');
+  const bool isHex = reference[2] == 'x';
   const std::string_view digits = reference.substr(isHex ? 3 : 2);
   unsigned code = 0;
   std::from_chars(digits.data(), digits.data() + digits.size(), code, isHex ? 16 : 10);
   if (code < 0x80) return;
   Add(TRule::kCharacterReference, GetLine(),
-      {fOpen.back().where, std::string(reference), fmt::format("{:02X}", code & 0xFFU)});
+      {fOpen.back().where, Excerpt(std::string(reference)), fmt::format("{:02X}", code & 0xFFU)});
 }
 
 void TDocumentCheck::Encoding(const std::string& name) {
@@ -208,7 +207,6 @@ void TDocumentCheck::StartProperty(TElement& element, const TAttributes& attribu
   const bool isDeclared = !element.isInClass && element.decl;
   element.type =
       isDeclared ? ElementType(element.decl->GetType()) : TypeNamed(TextOf(attributes, "type"));
-  element.shape = TShape::kAny;
   element.isOverride = element.isKey = false;
   CheckAttributes(element, attributes, {"arraysize"}, TType::TypeUint32);
   if (!element.isInClass && !fGiven.insert(Lower(name)).second) {

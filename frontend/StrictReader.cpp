@@ -59,7 +59,7 @@ struct TStrictReader::TCallbacks {
   static void Text(void* self, const char* text, int size) {
     Guard(self, [&](TStrictReader& reader) {
       const auto begin = static_cast<std::size_t>(XML_GetCurrentByteIndex(reader.fParser));
-      const std::string_view raw = reader.fText.substr(begin, 16);
+      const std::string_view raw = reader.fText.substr(begin);
       if (raw.substr(0, 2) == "&#") reader.CharacterReference(raw.substr(0, raw.find(';') + 1));
       reader.Characters({text, static_cast<std::size_t>(size)});
     });

@@ -176,6 +176,8 @@ TEST_F(Validate, TellsWhatValuesAreReadOtherwise) {
       {"R64", "NaN",                       "R64: 'NaN' is no real64; it is read as 0 [not-a-number]"                   },
       {"R64", "-INF",                      "R64: '-INF' is no real64; it is read as 0 [not-a-number]"                  },
       {"R64", "1,5",                       "R64: '1,5' is no real64; it is read as 1 [not-a-number]"                   },
+      {"R64", "1-2",                       "R64: '1-2' is no real64; it is read as 1 [not-a-number]"                   },
+      {"R64", "",                          "R64: '' is no real64; it is read as 0 [not-a-number]"                      },
       {"D",   "20040315142530.000000-300", ""                                                                          },
       {"D",   "20040229235960.999999+000", ""                                                                          },
       {"D",   "20000229000000.000000+000", ""                                                                          },
@@ -411,13 +413,15 @@ TEST_F(Validate, TellsWhatIsWrongWithTheBytes) {
           std::string(kAllRead) + "\n",
       Lines(Document(parts), 4));
 
-  parts.encoding = "utf-8";
-  EXPECT_EQ(
-      "FILE:13: error: no well-formed XML: bytes that are not UTF-8, or not allowed here "
-      "[not-well-formed]\n"
-      "FILE: 1 error and 0 warnings: " +
-          std::string(kAllRead) + "\n",
-      Lines(Document(parts), 4));
+  for (const char* encoding : {"utf-8", "US-ASCII"}) {
+    parts.encoding = encoding;
+    EXPECT_EQ(
+        "FILE:13: error: no well-formed XML: bytes that are not UTF-8, or not allowed here "
+        "[not-well-formed]\n"
+        "FILE: 1 error and 0 warnings: " +
+            std::string(kAllRead) + "\n",
+        Lines(Document(parts), 4));
+  }
 }
 
 TEST_F(Validate, TellsWhatAStrictParserRefuses) {
@@ -538,6 +542,53 @@ TEST_F(Validate, ShowsNamesAndTextsEscaped) {
   EXPECT_THAT(Lines(Document(parts), 4, "a\x1b[31m.xml"),
               StartsWith(fDir.GetPath() + "/a\\x1B[31m.xml:13: warning: T_Thing.U8: '1\\x0A2" +
                          std::string(57, 'x') + "...' is no uint8; it is read as 1 "));
+}
+
+TEST_F(Validate, TellsStrayTextsOncePerElement) {
+  TParts parts;
+  parts.inInstance =
+      "<PROPERTY.ARRAY NAME=\"A\"> lost\nand &#233;<VALUE.ARRAY>&#233; <VALUE>1</VALUE>"
+      "</VALUE.ARRAY>found</PROPERTY.ARRAY>";
+  EXPECT_EQ(
+      "FILE:13: warning: T_Thing.A: the text 'lost' stands where none is read [stray-text]\n"
+      "FILE:14: warning: T_Thing.A: the text '\xC3\xA9' stands where none is read [stray-text]\n"
+      "FILE: 0 errors and 2 warnings: " +
+          std::string(kAllRead) + "\n",
+      Lines(Document(parts), 4));
+}
+
+TEST_F(Validate, ReadsCharacterReferencesOfAnyLength) {
+  TParts parts;
+  parts.inInstance = Property("S", "&#" + std::string(100, '0') + "233;");
+  EXPECT_EQ("FILE:13: warning: T_Thing.S: &#" + std::string(58, '0') +
+                "... is one byte for the reader, hexadecimal E9 [character-reference]\n"
+                "FILE: 0 errors and 1 warning: " +
+                kAllRead + "\n",
+            Lines(Document(parts), 4));
+}
+
+TEST_F(Validate, ExpectsAPropertyOnceInEachInstance) {
+  TParts parts;
+  parts.inInstance = "</INSTANCE></VALUE.OBJECT><VALUE.OBJECT><INSTANCE CLASSNAME=\"T_Thing\">" +
+                     Property("Id", "2");
+  EXPECT_EQ("FILE: clean: read 3 qualifier declarations, 2 classes and 2 instances\n",
+            Lines(Document(parts), 0));
+}
+
+TEST_F(Validate, ChecksTheAttributesOfQualifierDeclarations) {
+  std::string document = Document({});
+  const auto insertBehind = [&](const std::string& place, const char* attribute) {
+    document.insert(document.find(place) + place.size(), attribute);
+  };
+  insertBehind("NAME=\"Override\"", " ISARRAY=\"TRUE\"");
+  insertBehind("NAME=\"Values\"", " ARRAYSIZE=\"x\"");
+  EXPECT_EQ(
+      "FILE:4: warning: qualifier Override: 'TRUE' is read as false: booleans are \"true\" and "
+      "\"false\" in lower case [boolean]\n"
+      "FILE:5: warning: qualifier Values: 'x' is no uint32; it is read as 0 [not-a-number]\n"
+      "FILE: 0 errors and 2 warnings: " +
+          std::string(kAllRead) + "\n",
+      Lines(document, 4));
 }
 
 TEST_F(Validate, ShowsTheBeginningsOfLongTexts) {
