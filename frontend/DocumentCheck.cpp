@@ -216,8 +216,8 @@ void TDocumentCheck::StartProperty(TElement& element, const TAttributes& attribu
 
 // An overriding declaration has only the qualifiers that are written in it.
 void TDocumentCheck::EndProperty(const TElement& element) {
-  const bool overridesKey = element.isInClass && element.isOverride && element.decl &&
-                            IsTrue(element.decl->FindQualifier("KEY"));
+  const bool overridesKey =
+      element.isOverride && element.decl && IsTrue(element.decl->FindQualifier("KEY"));
   if (!overridesKey || element.isKey) return;
   Add(TRule::kKeyLost, element.line, {element.where, element.decl->GetClass()->GetName()});
 }

@@ -256,38 +256,49 @@ TEST_F(Validate, TellsWhatTheModelLosesSilently) {
        "NAME=\"OVERRIDE\">"
        "<VALUE>Id</VALUE></QUALIFIER></PROPERTY>",                             "<PROPERTY NAME=\"Other\"><VALUE>x</VALUE></PROPERTY>",
        "11: error: T_Thing.id: is a key in T_Base; overridden here without a KEY of its own, it is "
-       "none any more [key-lost]\nFILE: 1 error and 0 warnings: "         },
+       "none any more [key-lost]\nFILE: 1 error and 0 warnings: "              },
       {"<PROPERTY NAME=\"S\" TYPE=\"string\"><QUALIFIER NAME=\"OVERRIDE\"/>"
        "<QUALIFIER NAME=\"Values\"><VALUE>one</VALUE></QUALIFIER></PROPERTY>", "",
        "10: warning: T_Thing.S, qualifier Values: is declared as an array, so this is read as NULL "
-       "[qualifier-shape]\nFILE: 0 errors and 1 warning: "                },
+       "[qualifier-shape]\nFILE: 0 errors and 1 warning: "                     },
       {"<PROPERTY NAME=\"S\" TYPE=\"string\"><QUALIFIER NAME=\"OVERRIDE\"><VALUE.ARRAY>"
        "<VALUE>S</VALUE></VALUE.ARRAY></QUALIFIER></PROPERTY>",                "",
        "10: warning: T_Thing.S, qualifier OVERRIDE: is declared as a single value, so this is read "
        "as "
-       "NULL [qualifier-shape]\nFILE: 0 errors and 1 warning: "           },
+       "NULL [qualifier-shape]\nFILE: 0 errors and 1 warning: "                },
       {"<PROPERTY NAME=\"New\" TYPE=\"uint8\"><QUALIFIER NAME=\"KEY\" OVERRIDABLE=\"TRUE\">"
        "<VALUE>false</VALUE></QUALIFIER></PROPERTY>",                          "",
        "10: warning: T_Thing.New, qualifier KEY: 'TRUE' is read as false: booleans are \"true\" "
        "and "
-       "\"false\" in lower case [boolean]\nFILE: 0 errors and 1 warning: "},
+       "\"false\" in lower case [boolean]\nFILE: 0 errors and 1 warning: "     },
+      {"<PROPERTY NAME=\"New\" TYPE=\"uint8\"><QUALIFIER NAME=\"KEY\"><VALUE.ARRAY>"
+       "<VALUE>TRUE</VALUE></VALUE.ARRAY></QUALIFIER></PROPERTY>",             "",
+       "10: warning: T_Thing.New, qualifier KEY: is declared as a single value, so this is read "
+       "as NULL [qualifier-shape]\nFILE: 0 errors and 1 warning: "             },
+      {"<PROPERTY NAME=\"New\" TYPE=\"uint8\"><QUALIFIER NAME=\"KEY\" PROPAGATED=\"no\" "
+       "TRANSLATABLE=\"yes\"><VALUE>false</VALUE></QUALIFIER></PROPERTY>",     "",
+       "10: warning: T_Thing.New, qualifier KEY: 'no' is read as false: booleans are \"true\" "
+       "and \"false\" in lower case [boolean]\n"
+       "FILE:10: warning: T_Thing.New, qualifier KEY: 'yes' is read as false: booleans are "
+       "\"true\" "
+       "and \"false\" in lower case [boolean]\nFILE: 0 errors and 2 warnings: "},
       {"<PROPERTY NAME=\"New\" TYPE=\"uint8\"><VALUE>256</VALUE></PROPERTY>",         "",
        "10: warning: T_Thing.New: '256' does not fit into uint8; it is read as 0 [out-of-range]\n"
-       "FILE: 0 errors and 1 warning: "                                   },
+       "FILE: 0 errors and 1 warning: "                                        },
       {"<PROPERTY.ARRAY NAME=\"New\" TYPE=\"uint8\" ARRAYSIZE=\"x\"/>",               "",
        "10: warning: T_Thing.New: 'x' is no uint32; it is read as 0 [not-a-number]\n"
-       "FILE: 0 errors and 1 warning: "                                   },
+       "FILE: 0 errors and 1 warning: "                                        },
       {"",                                                                            "<PROPERTY NAME=\"S\"><VALUE>1</VALUE></PROPERTY><PROPERTY NAME=\"s\"/>",
        "13: warning: T_Thing.s: is given more than once; the last value counts "
        "[duplicate-property]\n"
-       "FILE: 0 errors and 1 warning: "                                   },
+       "FILE: 0 errors and 1 warning: "                                        },
       {"",                                                                            "<PROPERTY NAME=\"S\">lost<VALUE>1</VALUE></PROPERTY>",
        "13: warning: T_Thing.S: the text 'lost' stands where none is read [stray-text]\n"
-       "FILE: 0 errors and 1 warning: "                                   },
+       "FILE: 0 errors and 1 warning: "                                        },
       {"",
        "<PROPERTY.ARRAY NAME=\"A\"><VALUE.ARRAY><VALUE>1</VALUE><VALUE>257</VALUE></VALUE.ARRAY>"
        "</PROPERTY.ARRAY>",                                                                                                                                     "13: warning: T_Thing.A: '257' does not fit into uint8; it is read as 1 [out-of-range]\n"
-       "FILE: 0 errors and 1 warning: "        },
+       "FILE: 0 errors and 1 warning: "             },
   };
   for (const auto& row : rows) {
     SCOPED_TRACE(row.finding);
@@ -542,6 +553,26 @@ TEST_F(Validate, ShowsNamesAndTextsEscaped) {
   EXPECT_THAT(Lines(Document(parts), 4, "a\x1b[31m.xml"),
               StartsWith(fDir.GetPath() + "/a\\x1B[31m.xml:13: warning: T_Thing.U8: '1\\x0A2" +
                          std::string(57, 'x') + "...' is no uint8; it is read as 1 "));
+}
+
+TEST_F(Validate, FindsKeysThatOtherQualifiersDoNotKeep) {
+  const std::string yes = "<VALUE>true</VALUE></QUALIFIER>";
+  TParts parts;
+  parts.inClass = "<QUALIFIER NAME=\"Key\">" + yes +
+                  "<PROPERTY NAME=\"Other\" TYPE=\"string\"><QUALIFIER NAME=\"Key\">" + yes +
+                  "</PROPERTY><PROPERTY NAME=\"Id\" TYPE=\"string\"><QUALIFIER NAME=\"Flag\">" +
+                  yes + "<QUALIFIER NAME=\"Override\"><VALUE>Id</VALUE></QUALIFIER></PROPERTY>";
+  parts.inInstance = Property("Other", "x");
+  std::string document = Document(parts);
+  document.insert(document.find("<QUALIFIER.DECLARATION"),
+                  "<QUALIFIER.DECLARATION NAME=\"Flag\" TYPE=\"boolean\"><SCOPE "
+                  "PROPERTY=\"true\"/></QUALIFIER.DECLARATION>");
+  EXPECT_EQ(
+      "FILE:10: error: T_Thing.Id: is a key in T_Base; overridden here without a KEY of its own, "
+      "it "
+      "is none any more [key-lost]\n"
+      "FILE: 1 error and 0 warnings: read 4 qualifier declarations, 2 classes and 1 instance\n",
+      Lines(document, 4));
 }
 
 TEST_F(Validate, TellsStrayTextsOncePerElement) {
