@@ -146,6 +146,9 @@ TEST(RedactedText, IsAKeyedHash) {
   EXPECT_EQ("[redacted:ab0200f5]", zel::RedactedText(bytes.substr(0, 7), key));
   EXPECT_EQ("[redacted:93f5f579]", zel::RedactedText(bytes.substr(0, 8), key));
   EXPECT_EQ("[redacted:a129ca61]", zel::RedactedText(bytes, key));
+  for (int i = 0; i < 100; ++i) {  // of which some hashes begin with 0
+    EXPECT_EQ(std::string("[redacted:726fdb47]").size(), Hidden(std::to_string(i)).size());
+  }
   EXPECT_NE(zel::RedactedText("web01", {1, 2}), zel::RedactedText("web01", {1, 3}));
   EXPECT_EQ(zel::ProcessKey(), zel::ProcessKey());
   EXPECT_NE((zel::TRedactionKey{0, 0}), zel::ProcessKey());
@@ -158,31 +161,34 @@ TEST(Redact, HidesATextWhereverItStandsAsWords) {
     std::string expected;
   };
   const std::string web = Hidden("web1");
+  const std::string longSecret(4096, 's');
   const TRow rows[] = {
-      {"web1",      "web1",              web                            },
-      {"web1",      "on web1.",          "on " + web + "."              },
-      {"web1",      "web1-web1",         web + "-" + web                },
-      {"web1",      "/dev/web1/0",       "/dev/" + web + "/0"           },
-      {"web1",      "web10 xweb1 web1_", "web10 xweb1 web1_"            },
-      {"web1",      "web1\xc3\xa4",      "web1\xc3\xa4"                 },
-      {"web1",      "WEB1",              "WEB1"                         },
-      {"web1",      "",                  ""                             },
-      {"web1",      "web",               "web"                          },
-      {"root",      "the root",          "the root"                     },
-      {"root",      "root",              Hidden("root")                 },
-      {"0",         "0",                 Hidden("0")                    },
-      {"0",         "0 of 0",            "0 of 0"                       },
-      {"abc",       "an abc",            "an abc"                       },
-      {"abc",       "abc",               Hidden("abc")                  },
-      {"two words", "in two words",      "in " + Hidden("two words")    },
-      {"two words", "two wordsmiths",    "two wordsmiths"               },
-      {"/dev/x",    "a/dev/x",           "a" + Hidden("/dev/x")         },
-      {"(x) y!",    "see (x) y!z",       "see " + Hidden("(x) y!") + "z"},
+      {"web1",             "web1",                  web                            },
+      {"web1",             "on web1.",              "on " + web + "."              },
+      {"web1",             "web1-web1",             web + "-" + web                },
+      {"web1",             "/dev/web1/0",           "/dev/" + web + "/0"           },
+      {"web1",             "web10 xweb1 web1_",     "web10 xweb1 web1_"            },
+      {"web1",             "web1\xc3\xa4",          "web1\xc3\xa4"                 },
+      {"web1",             "WEB1",                  "WEB1"                         },
+      {"web1",             "",                      ""                             },
+      {"web1",             "web",                   "web"                          },
+      {"root",             "the root",              "the root"                     },
+      {"root",             "root",                  Hidden("root")                 },
+      {"0",                "0",                     Hidden("0")                    },
+      {"0",                "0 of 0",                "0 of 0"                       },
+      {"abc",              "an abc",                "an abc"                       },
+      {"abc",              "abc",                   Hidden("abc")                  },
+      {"two words",        "in two words",          "in " + Hidden("two words")    },
+      {"two words",        "two wordsmiths",        "two wordsmiths"               },
+      {"/dev/x",           "a/dev/x",               "a" + Hidden("/dev/x")         },
+      {longSecret.c_str(), "a " + longSecret + ".", "a " + Hidden(longSecret) + "."},
+      {"(x) y!",           "see (x) y!z",           "see " + Hidden("(x) y!") + "z"},
  // The longest of several: below, the document holds these secrets, too.
-      {"web1",      "main.hub.port",     Hidden("main.hub") + ".port"   },
-      {"web1",      "main.hubs",         Hidden("main") + ".hubs"       },
-      {"web1",      "main.hub.portals",  Hidden("main.hub") + ".portals"},
-      {"web1",      "main.hub.portal",   Hidden("main.hub.portal")      },
+      {"web1",             "main.hub.port",         Hidden("main.hub") + ".port"   },
+      {"web1",             "main.hubs",             Hidden("main") + ".hubs"       },
+      {"web1",             "main.hub.portals",      Hidden("main.hub") + ".portals"},
+      {"web1",             "main.hub.portal",       Hidden("main.hub.portal")      },
+      {"main x",           "main.",                 Hidden("main") + "."           },
   };
   for (const TRow& row : rows) {
     SCOPED_TRACE(std::string(row.secret) + " in " + row.text);
@@ -281,6 +287,41 @@ TEST(Redact, KeepsReferencesTogetherWithTheirTargets) {
   EXPECT_EQ(2u, CountLinks(TInventory::Read(dir.PathOf("saved.xml"))));
 }
 
+TEST(Redact, KeepsReferencesThatAreSensitiveKeys) {
+  TInventory inventory = ReadDocument(
+      Class("T_Box", Key("Id", "string", kSensitive)) +
+      Class("T_Label", Qualifier("ASSOCIATION") +
+                           "<PROPERTY.REFERENCE NAME=\"Of\" REFERENCECLASS=\"T_Box\">" +
+                           Qualifier("KEY") + kSensitive + "</PROPERTY.REFERENCE>") +
+      Instance("T_Box", Set("Id", "left")) +
+      Instance("T_Label", document::SetReference("Of", "T_Box", "Id", "left")));
+  Redact({&inventory}, kKey);
+  EXPECT_EQ(1u, CountLinks(inventory));
+  EXPECT_THAT(DescriptionOf(inventory), Not(HasSubstr("left")));
+}
+
+TEST(Redact, HidesNumbersThatAreKeysInReferencesToo) {
+  TInventory inventory =
+      ReadDocument(Class("T_Box", Key("Id", "uint32", kSensitive)) +
+                   document::Association("T_Link", "From", "T_Box", "To", "T_Box") +
+                   Instance("T_Box", Set("Id", "uint32", "471147")) + Link("471147", "471147"));
+  Redact({&inventory}, kKey);
+  EXPECT_EQ(2u, CountLinks(inventory));
+  EXPECT_THAT(DescriptionOf(inventory), Not(HasSubstr("471147")));
+}
+
+TEST(Redact, TakesASensitiveOfAnotherTypeForNone) {
+  std::string text = Document(
+      Class("T_Box", Key("Id") + Declare("Name", "string", Qualifier("SENSITIVE", "string", "x"))) +
+      Instance("T_Box", Set("Id", "1") + Set("Name", "web1")));
+  const std::string declared = "NAME=\"SENSITIVE\" TYPE=\"";
+  text.replace(text.find(declared) + declared.size(), std::string("boolean").size(), "string");
+  const TempDir dir;
+  TInventory inventory = TInventory::Read(dir.WriteFile("document.xml", text));
+  Redact({&inventory}, kKey);
+  EXPECT_EQ("web1", zel::TextOf(InstanceOf(inventory, "T_Box"), "Name"));
+}
+
 TEST(Redact, HidesWhatOnlyAReferenceTells) {
   TInventory inventory = ReadDocument(
       kBoxes + Class("T_Note", Key("Id") + Declare("Text", "string")) + Link("gone1", "gone2") +
@@ -294,7 +335,8 @@ TEST(Redact, LeavesAloneWhatIsNoSecret) {
   const std::string parts =
       Class("T_Box", Key("Id") + Declare("DateTimeOfCollection", "datetime") +
                          Declare("Default", "string", kSensitive + "<VALUE>usual</VALUE>") +
-                         Declare("Text", "string") + Declare("Numbers", "sint64[]")) +
+                         Declare("Text", "string", "<QUALIFIER NAME=\"SENSITIVE\"/>") +
+                         Declare("Numbers", "sint64[]")) +
       Instance("T_Box", Set("Id", "1") + Set("Text", "as usual") +
                             Set("DateTimeOfCollection", "datetime", "20040315142530.000000-300") +
                             Set("Numbers", "sint64[]", "-1|2")) +
