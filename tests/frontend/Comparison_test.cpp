@@ -284,6 +284,9 @@ TEST(Compare, TellsPathsApartThatReadTheSame) {
              pairClass + instance("x&quot;,B=&quot;y", "z"));
   EXPECT_THAT(pair.Lines(),
               ElementsAre("+T_Pair.A=\"x\",B=\"y\",B=\"z\"", "-T_Pair.A=\"x\",B=\"y\",B=\"z\""));
+  TPair commas(pairClass + instance("x", "y,b=z"), pairClass + instance("x,b=y", "z"));
+  EXPECT_THAT(commas.Lines(),
+              ElementsAre("+T_Pair.A=\"x,b=y\",B=\"z\"", "-T_Pair.A=\"x\",B=\"y,b=z\""));
 }
 
 TEST(Compare, PairsDuplicatesInTheirOrder) {
@@ -493,6 +496,17 @@ TEST(Compare, LeavesOutWhatOneOfTheTwoHides) {
                                         "properties are not compared"));
   TPair neither(plain, NamedMachine("server1", "S2", "1", "false"));
   EXPECT_THAT(neither.Lines(), ElementsAre("~T_System.Name=\"server1\" Serial: S1 -> S2"));
+}
+
+TEST(Compare, LeavesOutTextsInWhichSomethingIsHidden) {
+  const auto note = [](const std::string& text, const std::string& redacted) {
+    return RunClasses() + RunOf(Set("IsRedacted", "boolean", redacted)) +
+           Class("T_Note", Key("Id") + Declare("Text", "string") + Declare("Texts", "string[]")) +
+           Instance("T_Note",
+                    Set("Id", "n") + Set("Text", text) + Set("Texts", "string[]", "x|" + text));
+  };
+  TPair pair(note("on server1", "false"), note("on [redacted:00000001]", "true"));
+  EXPECT_THAT(pair.Lines(), IsEmpty());
 }
 
 TEST(Compare, ComparesWhatIsHiddenInBothWithOneKey) {
