@@ -212,14 +212,17 @@ class TSizeLimit {
 TEST(OutputFile, LeavesTheOldFileWhenAWriteFails) {
   const TempDir dir;
   const std::string path = dir.WriteFile("a.xml", "old");
-  std::string error;
-  {
-    const TSizeLimit limit(65536);
-    error = ErrorOfSaving(path, kLong);
+  fs::create_symlink("a.xml", dir.PathOf("link"));
+  for (const char* name : {"a.xml", "link"}) {
+    std::string error;
+    {
+      const TSizeLimit limit(65536);
+      error = ErrorOfSaving(dir.PathOf(name), kLong);
+    }
+    EXPECT_EQ("cannot write '" + dir.PathOf(name) + "': File too large; name another file", error);
+    EXPECT_EQ("old", ReadFile(path));
+    EXPECT_EQ((TNames{"a.xml", "link"}), NamesIn(dir.GetPath()));
   }
-  EXPECT_EQ("cannot write '" + path + "': File too large; name another file", error);
-  EXPECT_EQ("old", ReadFile(path));
-  EXPECT_EQ(TNames{"a.xml"}, NamesIn(dir.GetPath()));
 }
 
 TEST(OutputFile, LeavesTheOldFileOnAFullDisk) {
