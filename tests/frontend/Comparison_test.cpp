@@ -386,6 +386,19 @@ TEST(Compare, TakesADocumentAtItsWordThatDoesNotSayWhatWasCollected) {
   EXPECT_THAT(pair.NotCompared(), ElementsAre("T_Full: new.xml: unknown class"));
 }
 
+TEST(Compare, DoesNotKnowAClassWhereItIsAbstract) {
+  const std::string abstract =
+      "<QUALIFIER.DECLARATION NAME=\"ABSTRACT\" TYPE=\"boolean\"><SCOPE CLASS=\"true\"/>"
+      "</QUALIFIER.DECLARATION>" +
+      Class("T_Disk", Qualifier("ABSTRACT") + Key("Id"));
+  TPair before(abstract, kDisk + Disk("a"));
+  EXPECT_THAT(before.Lines(), IsEmpty());
+  EXPECT_THAT(before.NotCompared(), ElementsAre("T_Disk: old.xml: unknown class"));
+  TPair after(kDisk + Disk("a"), abstract);
+  EXPECT_THAT(after.Lines(), IsEmpty());
+  EXPECT_THAT(after.NotCompared(), ElementsAre("T_Disk: new.xml: unknown class"));
+}
+
 TEST(Compare, NotesWhatOnlyOneSchemaHas) {
   const auto version = [](const std::string& text) {
     return RunClasses() + RunOf(Set("SchemaVersion", text));
