@@ -1,7 +1,6 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 #include <stdlib.h>
-#include <sys/stat.h>
 
 #include <chrono>
 #include <filesystem>
@@ -188,16 +187,7 @@ TEST_F(Upload, GivesUpOnAServerThatSaysNothing) {
 }
 
 TEST_F(Upload, NeedsAFileThatCanBeRead) {
-  mkfifo(fDir.PathOf("fifo").c_str(), 0600);
-  struct {
-    std::string path;
-    const char* reason;
-  } const rows[] = {
-      {fDir.PathOf("none"), "No such file or directory"},
-      {fDir.GetPath(),      "it is no regular file"    },
-      {fDir.PathOf("fifo"), "it is no regular file"    },
-  };
-  for (const auto& row : rows) {
+  for (const TUnreadable& row : UnreadableIn(fDir)) {
     const TResult result = Zel({"upload", row.path, "--to", "ftp://h/"});
     EXPECT_EQ(4, result.code);
     EXPECT_EQ("", result.out);

@@ -1,7 +1,6 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 #include <stdio.h>
-#include <sys/stat.h>
 
 #include <filesystem>
 #include <nlohmann/json.hpp>
@@ -643,16 +642,7 @@ TEST_F(Validate, ShowsTheBeginningsOfLongTexts) {
 }
 
 TEST_F(Validate, NeedsAFileThatCanBeRead) {
-  mkfifo(fDir.PathOf("fifo").c_str(), 0600);
-  struct {
-    std::string path;
-    const char* reason;
-  } const rows[] = {
-      {fDir.PathOf("none"), "No such file or directory"},
-      {fDir.GetPath(),      "it is no regular file"    },
-      {fDir.PathOf("fifo"), "it is no regular file"    },
-  };
-  for (const auto& row : rows) {
+  for (const TUnreadable& row : UnreadableIn(fDir)) {
     const TResult result = Zel({"validate", row.path});
     EXPECT_EQ(4, result.code);
     EXPECT_EQ("", result.out);

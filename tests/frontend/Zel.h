@@ -1,6 +1,7 @@
 #pragma once
 
 #include <fcntl.h>
+#include <sys/stat.h>
 #include <unistd.h>
 
 #include <filesystem>
@@ -38,6 +39,20 @@ class TPluginDir : public TempDir {
     }
   }
 };
+
+// What no command takes for a file, and why.
+struct TUnreadable {
+  std::string path;
+  const char* reason;
+};
+inline std::vector<TUnreadable> UnreadableIn(const TempDir& dir) {
+  mkfifo(dir.PathOf("fifo").c_str(), 0600);
+  return {
+      {dir.PathOf("none"), "No such file or directory"},
+      {dir.GetPath(),      "it is no regular file"    },
+      {dir.PathOf("fifo"), "it is no regular file"    },
+  };
+}
 
 // Standard input of this process, which holds `contents` while the object lives.
 class TStandardInput {
