@@ -97,7 +97,7 @@ void TCIMXMLParser::TStateProperty::TakeText(TCIMXMLParser& parser, std::string_
   if (!SetFromText(*fProperty, fType, text)) TValueSlot::TakeText(parser, text);
 }
 
-// The first value is set at once; what can be refused waits for the end of the element.
+// A value that can be refused waits for the end of the element.
 void TCIMXMLParser::TStateProperty::Take(TCIMValue&& value) {
   if (value.GetType() != fType || value.IsReference()) {
     TValueSlot::Take(std::move(value));

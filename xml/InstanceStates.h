@@ -30,11 +30,11 @@ class TCIMXMLParser::TStateInstance : public TTableState, public IQualifierTarge
 
  private:
   struct TPropertyTag {
-    TKnownTag tag;  // without text: none has been read
-    TStateProperty* state = nullptr;
+    TKnownTag tag;                    // without text: none has been read
+    TStateProperty* state = nullptr;  // kept: no instance stands deep enough for another rule
     unsigned int arraySize = 0;
-    std::size_t next =
-        zelcore::detail::kNoSlot;  // the slot of the property that is expected behind it
+    // The slot of the property that is expected behind it.
+    std::size_t next = zelcore::detail::kNoSlot;
   };
   // The tags of the properties of one class: its instances are mostly written alike.
   struct TPropertyTags {

@@ -204,13 +204,19 @@ class TDocument {
     WriteProperty(DefaultOf(decl), decl.EnumerateQualifiers());
   }
 
-  void WriteProperty(const TCIMProperty& property, const std::string& startTag) {
+  // In an instance.
+  struct TStartTag {
+    TCIMType type;     // of the values that it is for
+    std::string text;  // "": there is none for all of them
+  };
+
+  void WriteProperty(const TCIMProperty& property, const TStartTag& startTag) {
     const TCIMValue& value = ValueOf(property);
     fMember = property.GetDeclaration();
     if (value.IsNull()) {
       if (!DefaultOf(*fMember).IsNull()) Warn("its NULL is read as the default");
-    } else if (!startTag.empty()) {
-      Put(startTag);
+    } else if (!startTag.text.empty() && value.GetType() == startTag.type) {
+      Put(startTag.text);
       WriteScalar(value);
       return Put("</PROPERTY>\n");
     }
@@ -223,10 +229,10 @@ class TDocument {
     fStartTags.clear();
     for (const TCIMProperty* property : instance.EnumerateProperties()) {
       const TCIMType type = property->GetType();
-      fStartTags.push_back(type.IsArray() || !IsText(type)
-                               ? ""
-                               : Text("<PROPERTY NAME=\"", property->GetName(), "\" TYPE=\"",
-                                      TypeText(type), "\">"));
+      const bool isScalar = IsText(type) && !type.IsArray();
+      fStartTags.push_back({type, isScalar ? Text("<PROPERTY NAME=\"", property->GetName(),
+                                                  "\" TYPE=\"", TypeText(type), "\">")
+                                           : ""});
     }
   }
 
@@ -367,7 +373,7 @@ class TDocument {
   std::string_view fOwner;                    // a class or a qualifier declaration
   const TCIMPropertyDecl* fMember = nullptr;  // a property of it, or null
   boost::shared_ptr<const TPropertyLayout> fLayout;
-  std::vector<std::string> fStartTags;  // of the properties of instances of that layout, or ""
+  std::vector<TStartTag> fStartTags;  // of the properties of instances of that layout
 };
 
 void WriteToDescriptor(int descriptor, std::string_view piece) {

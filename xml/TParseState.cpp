@@ -23,8 +23,9 @@ void TCIMXMLParser::TTableState::StartElement(TCIMXMLParser& parser, std::string
                                               const TAttributes& attributes) {
   if (parser.fStates.size() >= kMaxOpenStates) RefuseElement(parser, name);
   // Most children are called as the one before.
-  if (!*fLastChild || !IsSameText((*fLastChild)->fName, name))
+  if (!*fLastChild || !IsSameText((*fLastChild)->fName, name)) {
     fLastChild = &FindChild(parser, name);
+  }
   TParseState& child = **fLastChild;
   Enter(parser, child);
   child.HandleAttrs(parser, attributes);

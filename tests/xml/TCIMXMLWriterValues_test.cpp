@@ -229,6 +229,21 @@ class PieceMeter : public std::streambuf {
   }
 };
 
+TEST(TCIMXMLWriterValues, KeepTheirTypeWhenTheirDeclarationChanges) {
+  Thing thing(
+      "<PROPERTY.ARRAY NAME=\"V\" TYPE=\"string\"></PROPERTY.ARRAY>"
+      "<PROPERTY NAME=\"W\" TYPE=\"uint8\"></PROPERTY>");
+  thing.fInstance->SetPropertyValue(
+      "V", TCIMValue(TCIMValue::TCIMType::TypeString, 0, {TCIMValue("a"), TCIMValue("b")}));
+  thing.fInstance->SetPropertyValue("W", TCIMValue(static_cast<unsigned char>(5)));
+  const TCIMClass& cls = *thing.fInstance->GetClass();
+  cls.GetPropertyDecl("V")->SetValue(TCIMValue(TCIMValue::TCIMType::TypeString, 0));
+  cls.GetPropertyDecl("W")->SetValue(TCIMValue(TCIMValue::TCIMType::TypeUint32, 0));
+  EXPECT_EQ("<VALUE.ARRAY><VALUE>a</VALUE><VALUE>b</VALUE></VALUE.ARRAY>", thing.WriteValue());
+  EXPECT_NE(std::string::npos, thing.fDocument.find("<PROPERTY.ARRAY NAME=\"V\" TYPE=\"string\">"));
+  EXPECT_NE(std::string::npos, thing.fDocument.find("<PROPERTY NAME=\"W\" TYPE=\"uint8\">"));
+}
+
 TEST(TCIMXMLWriterValues, LeavesInPiecesWhateverTheLength) {
   Thing thing(Property("string"));
   thing.fInstance->SetPropertyValue("V", TCIMValue(std::string(1 << 20, 'x')));
