@@ -30,7 +30,7 @@ class TCIMXMLParser::TStateDeclaration : public TTableState {
 
 class TCIMXMLParser::TStateDeclGroup : public TTableState {
  public:
-  explicit TStateDeclGroup(TCIMXMLParser&) : TTableState(kChildren) { fAwaited.knownTags = true; }
+  explicit TStateDeclGroup(TCIMXMLParser&) : TTableState(kChildren) { fAwaited.known = true; }
   static const TChildRule kChildren[];
 };
 

@@ -6,17 +6,33 @@
 #include "zelcore/TCIMProperty.h"
 #include "zelcore/TContainer.h"
 #include "zelcore/detail/InPlace.h"
-#include "zelcore/detail/SameText.h"
 
 using zelcore::detail::CountSlots;
 using zelcore::detail::FindSlot;
-using zelcore::detail::IsSameText;
 using zelcore::detail::kNoSlot;
 using zelcore::detail::LayoutOf;
 using zelcore::detail::SetFromText;
 using zelcore::detail::SlotOf;
+using zelcore::detail::TSlot;
 
 using TCIMType = TCIMValue::TCIMType;
+
+namespace {
+
+TCIMType ElementOf(TCIMType type) {
+  return static_cast<TCIMType::ECIMType>(type & ~TCIMType::TypeArray);
+}
+
+// Of elements that were gathered in one vector for all, and are kept in one of their number.
+TCIMValue MakeArray(TCIMType type, unsigned int size, std::vector<TCIMValue>& gathered) {
+  std::vector<TCIMValue> elements(std::make_move_iterator(gathered.begin()),
+                                  std::make_move_iterator(gathered.end()));
+  TCIMValue array;
+  array.Set(type, size, std::move(elements));
+  return array;
+}
+
+}  // namespace
 
 void TCIMXMLParser::TStateInstance::HandleAttrs(TCIMXMLParser& parser,
                                                 const TAttributes& attributes) {
@@ -37,22 +53,55 @@ void TCIMXMLParser::TStateInstance::HandleAttrs(TCIMXMLParser& parser,
   fExpected = &fTags->first;
 }
 
-TCIMXMLParser::TTakenTag TCIMXMLParser::TStateInstance::TakeKnownTag(TCIMXMLParser& parser,
-                                                                     std::string_view rest) {
+TCIMXMLParser::EKnown TCIMXMLParser::TStateInstance::TakeKnown(TCIMXMLParser& parser,
+                                                               TAhead& ahead) {
   constexpr int kSteps = 4;  // one instance may leave out what another has
   std::size_t slot = *fExpected;
   for (int step = 0; step < kSteps && slot != kNoSlot; ++step) {
     TPropertyTag& known = fTags->bySlot[slot];
-    const std::string& text = known.tag.text;
-    if (!text.empty() && IsSameText(rest.substr(0, text.size()), text)) {
+    if (!known.tag.text.empty() && ahead.IsAt(known.tag.text)) {
+      ahead.Put(known.tag.read);
       fExpected = &known.next;
+      if (TakeValue(known, slot, ahead)) return EKnown::kElement;
       Enter(parser, *known.state);
       known.state->Start(slot, known.arraySize);
-      return {known.tag.read, known.tag.nameSize};
+      return EKnown::kStartTag;
     }
     slot = known.next;
   }
-  return {};
+  return EKnown::kNothing;
+}
+
+// Takes the rest of the property, if it is one value or one array of them, and all of it is right.
+bool TCIMXMLParser::TStateInstance::TakeValue(const TPropertyTag& known, std::size_t slot,
+                                              TAhead& ahead) {
+  const TSlot place = SlotOf(*fInstance, slot);
+  if (known.state->IsArray() != place.type.IsArray()) return false;
+  TAhead behind = ahead;
+  const bool isTaken =
+      place.type.IsArray() ? TakeArray(place, known.arraySize, behind) : TakeScalar(place, behind);
+  if (isTaken) ahead = behind;
+  return isTaken;
+}
+
+bool TCIMXMLParser::TStateInstance::TakeScalar(const TSlot& place, TAhead& ahead) {
+  if (!ahead.Take("<VALUE>")) return false;
+  const std::string_view text = ahead.TakeText();
+  return ahead.Take("</VALUE></PROPERTY>") && SetFromText(*place.property, place.type, text);
+}
+
+bool TCIMXMLParser::TStateInstance::TakeArray(const TSlot& place, unsigned int arraySize,
+                                              TAhead& ahead) {
+  const TCIMType type = ElementOf(place.type);
+  if (type == TCIMType::TypeReference || !ahead.Take("<VALUE.ARRAY>")) return false;
+  fElements.clear();
+  while (ahead.Take("<VALUE>")) {
+    const std::string_view text = ahead.TakeText();
+    if (!ahead.Take("</VALUE>") || !fElements.emplace_back().SetFromText(type, text)) return false;
+  }
+  if (!ahead.Take("</VALUE.ARRAY></PROPERTY.ARRAY>")) return false;
+  place.property->SetValue(MakeArray(type, arraySize, fElements));
+  return true;
 }
 
 void TCIMXMLParser::TStateInstance::Remember(const TKnownTag& tag, std::size_t slot,
@@ -117,7 +166,7 @@ void TCIMXMLParser::TStateValue::EndElement(TCIMXMLParser& parser, std::string& 
 }
 
 void TCIMXMLParser::TStateValueArray::HandleAttrs(TCIMXMLParser&, const TAttributes&) {
-  fType = static_cast<TCIMType::ECIMType>(fSlot.fType & ~TCIMType::TypeArray);
+  fType = ElementOf(fSlot.fType);
   fElements.clear();
 }
 
@@ -127,11 +176,6 @@ void TCIMXMLParser::TStateValueArray::TakeText(TCIMXMLParser& parser, std::strin
 }
 
 void TCIMXMLParser::TStateValueArray::EndElement(TCIMXMLParser& parser, std::string& name) {
-  // Gathered in one vector for all, kept in one of their number.
-  std::vector<TCIMValue> elements(std::make_move_iterator(fElements.begin()),
-                                  std::make_move_iterator(fElements.end()));
-  TCIMValue array;
-  array.Set(fType, fSlot.fMaxArraySize, std::move(elements));
-  fSlot.Take(std::move(array));
+  fSlot.Take(MakeArray(fType, fSlot.fMaxArraySize, fElements));
   TTableState::EndElement(parser, name);
 }

@@ -17,11 +17,11 @@ class TCIMXMLParser::TStateInstance : public TTableState, public IQualifierTarge
  public:
   explicit TStateInstance(TCIMXMLParser& parser)
       : TTableState(kChildren), fParent(parser.CurrentAs<TObjectState>()) {
-    fAwaited.knownTags = fAwaited.keptTags = true;
+    fAwaited.known = fAwaited.keptTags = true;
   }
   static const TChildRule kChildren[];
   void HandleAttrs(TCIMXMLParser& parser, const TAttributes& attributes) override;
-  TTakenTag TakeKnownTag(TCIMXMLParser& parser, std::string_view rest) override;
+  EKnown TakeKnown(TCIMXMLParser& parser, TAhead& ahead) override;
   ICIMAllowQualifiers* GetQualified() override { return nullptr; }
   const TCIMInstance& GetInstance() const { return *fInstance; }
 
@@ -43,12 +43,17 @@ class TCIMXMLParser::TStateInstance : public TTableState, public IQualifierTarge
     std::size_t first = zelcore::detail::kNoSlot;
   };
 
+  bool TakeValue(const TPropertyTag& known, std::size_t slot, TAhead& ahead);
+  static bool TakeScalar(const zelcore::detail::TSlot& place, TAhead& ahead);
+  bool TakeArray(const zelcore::detail::TSlot& place, unsigned int arraySize, TAhead& ahead);
+
   TObjectState& fParent;
   std::string fClassName;
   const TCIMInstance* fInstance = nullptr;
   std::unordered_map<const TPropertyLayout*, TPropertyTags> fTagsOfClasses;
   TPropertyTags* fTags = nullptr;    // of this instance's class
   std::size_t* fExpected = nullptr;  // the slot of the next property, in fTags
+  std::vector<TCIMValue> fElements;  // of the array that is being read
 };
 
 class TCIMXMLParser::TStateProperty : public TTableState,
@@ -63,6 +68,7 @@ class TCIMXMLParser::TStateProperty : public TTableState,
   // What HandleAttrs() does for attributes that name this property and are right.
   void Start(std::size_t slot, unsigned int arraySize);
   unsigned int GetArraySize() const { return fMaxArraySize; }
+  bool IsArray() const { return fIsArray; }
   void Take(TCIMValue&& value) override;
   void TakeText(TCIMXMLParser& parser, std::string_view text) override;
   void TakeLeaf(TCIMXMLParser& parser, std::string_view text) override { TakeText(parser, text); }
@@ -83,7 +89,7 @@ class TCIMXMLParser::TStateProperty : public TTableState,
 class TCIMXMLParser::TStatePropertyArray : public TStateProperty {
  public:
   explicit TStatePropertyArray(TCIMXMLParser& parser) : TStateProperty(parser, kChildren, true) {
-    fAwaited.knownTags = true;
+    fAwaited.known = true;
   }
   static const TChildRule kChildren[];
 };
@@ -92,7 +98,7 @@ class TCIMXMLParser::TStatePropertyReference : public TStateProperty, public IRe
  public:
   explicit TStatePropertyReference(TCIMXMLParser& parser)
       : TStateProperty(parser, kChildren, false) {
-    fAwaited.knownTags = true;
+    fAwaited.known = true;
   }
   static const TChildRule kChildren[];
   void TakeReference(TCIMXMLParser&, TCIMReference&& reference) override {

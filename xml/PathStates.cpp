@@ -35,6 +35,36 @@ void TCIMXMLParser::TStateInstanceName::HandleAttrs(TCIMXMLParser& parser,
   if (!fClass) parser.FatalError("Couldn't find class name " + fClassName);
   fReference.emplace(&parser.fContainer);
   fReference->SetClass(*fClass);
+  fKeys = &fKeysOfClasses[fClass];
+  fExpected = 0;
+}
+
+// All of the key, or nothing: a state of its own may be too deep to be kept, or to be opened.
+TCIMXMLParser::EKnown TCIMXMLParser::TStateInstanceName::TakeKnown(TCIMXMLParser& parser,
+                                                                   TAhead& ahead) {
+  if (fExpected >= fKeys->size() || parser.fStates.size() + 1 >= kMaxOpenStates) {
+    return EKnown::kNothing;
+  }
+  const TKnownKey& key = (*fKeys)[fExpected];
+  TAhead behind = ahead;
+  if (!behind.Take(key.tags.text)) return EKnown::kNothing;
+  const std::string_view text = behind.TakeText();
+  TCIMValue value;
+  if (!behind.Take("</KEYVALUE></KEYBINDING>") || !value.SetFromText(key.type, text)) {
+    return EKnown::kNothing;
+  }
+  Bind(key.decl->GetName(), std::move(value));
+  ahead.Put(key.tags.read);
+  ahead = behind;
+  ++fExpected;
+  return EKnown::kElement;
+}
+
+void TCIMXMLParser::TStateInstanceName::Remember(TKnownTag&& tags, const TCIMPropertyDecl& decl) {
+  constexpr std::size_t kMaxKnown = 16;
+  if (fExpected == kMaxKnown) return;
+  fKeys->resize(std::max(fKeys->size(), fExpected + 1));
+  (*fKeys)[fExpected++] = {std::move(tags), &decl, decl.GetType()};
 }
 
 void TCIMXMLParser::TStateInstanceName::TakeKeyText(TCIMXMLParser& parser, std::string_view text) {
@@ -66,11 +96,24 @@ void TCIMXMLParser::TStateInstanceName::EndElement(TCIMXMLParser& parser, std::s
   TTableState::EndElement(parser, name);
 }
 
-void TCIMXMLParser::TStateKeyBinding::HandleAttrs(TCIMXMLParser&, const TAttributes& attributes) {
+void TCIMXMLParser::TStateKeyBinding::HandleAttrs(TCIMXMLParser& parser,
+                                                  const TAttributes& attributes) {
   fName.clear();
   fValue.reset();
   for (const TAttribute& attribute : attributes) HandleCIMName(attribute, fName);
   fDecl = fInstance.GetClass().FindPropertyDecl(fName);
+  fTag = parser.GetTag();
+  fTags.text.clear();
+}
+
+void TCIMXMLParser::TStateKeyBinding::TakeLeaf(TCIMXMLParser& parser, std::string_view text) {
+  TakeKeyText(parser, text);
+  const bool isPlain = parser.GetTag().text.empty();
+  static const TKnownTag kPlain{"KEYVALUE>", "KEYVALUE>"};
+  const TKnownTag& value = isPlain ? kPlain : parser.GetTag();
+  if (fTag.text.empty()) return;
+  fTags.text = fTag.text + "<" + value.text;
+  fTags.read = fTag.read + "<" + value.read;
 }
 
 void TCIMXMLParser::TStateKeyBinding::TakeKeyText(TCIMXMLParser& parser, std::string_view text) {
@@ -90,6 +133,7 @@ void TCIMXMLParser::TStateKeyBinding::EndElement(TCIMXMLParser& parser, std::str
   if (fDecl && fValue && (needsKey || fInstance.HasKey(fDecl->GetName()))) {
     // By the declaration's spelling: so the path equals that of the instance that it names.
     fInstance.Bind(fDecl->GetName(), std::move(*fValue));
+    if (needsKey && !fTags.text.empty()) fInstance.Remember(std::move(fTags), *fDecl);
   }
   TTableState::EndElement(parser, name);
 }

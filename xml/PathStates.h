@@ -1,5 +1,8 @@
 #pragma once
 
+#include <unordered_map>
+#include <vector>
+
 #include "xml/TParseState.h"
 
 class TCIMPropertyDecl;
@@ -95,9 +98,12 @@ class TCIMXMLParser::TStateClassName : public TTableState {
 class TCIMXMLParser::TStateInstanceName : public TTableState, public IKeySlot {
  public:
   explicit TStateInstanceName(TCIMXMLParser& parser)
-      : TTableState(kChildren), fParent(parser.CurrentAs<IPathSlot>()) {}
+      : TTableState(kChildren), fParent(parser.CurrentAs<IPathSlot>()) {
+    fAwaited.known = fAwaited.keptTags = true;
+  }
   static const TChildRule kChildren[];
   void HandleAttrs(TCIMXMLParser& parser, const TAttributes& attributes) override;
+  EKnown TakeKnown(TCIMXMLParser& parser, TAhead& ahead) override;
   void EndElement(TCIMXMLParser& parser, std::string& name) override;
 
   // A key without a name is that of every key property.
@@ -107,11 +113,23 @@ class TCIMXMLParser::TStateInstanceName : public TTableState, public IKeySlot {
   const TCIMClass& GetClass() const { return *fClass; }
   bool HasKey(const std::string& name) const;
   void Bind(const std::string& name, TCIMValue&& value);
+  // That `tags`, of a KEYBINDING and its KEYVALUE, bind the property to the text behind them.
+  void Remember(TKnownTag&& tags, const TCIMPropertyDecl& decl);
 
  private:
+  struct TKnownKey {
+    TKnownTag tags;
+    const TCIMPropertyDecl* decl = nullptr;
+    TCIMValue::TCIMType type = TCIMValue::TCIMType::TypeNone;  // of it
+  };
+  using TKnownKeys = std::vector<TKnownKey>;
+
   IPathSlot& fParent;
   std::string fClassName;  // as the document spells it
   TCIMClass* fClass = nullptr;
+  std::unordered_map<const TCIMClass*, TKnownKeys> fKeysOfClasses;
+  TKnownKeys* fKeys = nullptr;  // of fClass, in the order in which they were met
+  std::size_t fExpected = 0;    // the number of the next one
   std::optional<TCIMReference> fReference;
   bool fHasKeys = false;
 };
@@ -121,18 +139,19 @@ class TCIMXMLParser::TStateKeyBinding : public TTableState, public IKeySlot {
   explicit TStateKeyBinding(TCIMXMLParser& parser)
       : TTableState(kChildren), fInstance(parser.CurrentAs<TStateInstanceName>()) {
     fAwaited.leaf = "KEYVALUE";
+    fAwaited.keptTags = true;
   }
   static const TChildRule kChildren[];
   void HandleAttrs(TCIMXMLParser& parser, const TAttributes& attributes) override;
   void EndElement(TCIMXMLParser& parser, std::string& name) override;
   void TakeKeyText(TCIMXMLParser& parser, std::string_view text) override;
-  void TakeLeaf(TCIMXMLParser& parser, std::string_view text) override {
-    TakeKeyText(parser, text);
-  }
+  void TakeLeaf(TCIMXMLParser& parser, std::string_view text) override;
   void TakeReference(TCIMXMLParser& parser, TCIMReference&& reference) override;
 
  private:
   TStateInstanceName& fInstance;
+  TKnownTag fTag;   // of this element, as far as it is kept
+  TKnownTag fTags;  // the same with that of the value behind; without text: there is none to know
   std::string fName;
   const TCIMPropertyDecl* fDecl = nullptr;  // null: the class has no such property
   std::optional<TCIMValue> fValue;

@@ -111,8 +111,8 @@ void TCIMXMLParser::Leaf(std::string_view text) {
   }
 }
 
-TCIMXMLParser::TTakenTag TCIMXMLParser::TakeKnownTag(std::string_view rest) {
-  return fStates.back()->TakeKnownTag(*this, rest);
+TCIMXMLParser::EKnown TCIMXMLParser::TakeKnown(TAhead& ahead) {
+  return fStates.back()->TakeKnown(*this, ahead);
 }
 
 void TCIMXMLParser::processingInstruction(const char*, const char*) {}

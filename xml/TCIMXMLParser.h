@@ -76,7 +76,7 @@ class ZEL_API TCIMXMLParser : public TXmlParser {
   void StartTag(std::string_view name, const TAttributes& attributes) override;
   void TextRun(std::string_view text) override;
   void Leaf(std::string_view text) override;
-  TTakenTag TakeKnownTag(std::string_view rest) override;
+  EKnown TakeKnown(TAhead& ahead) override;
 
   struct TChildRule;
   class TTableState;

@@ -31,16 +31,16 @@ void TCIMXMLParser::TTableState::StartElement(TCIMXMLParser& parser, std::string
   child.HandleAttrs(parser, attributes);
 }
 
-TCIMXMLParser::TTakenTag TCIMXMLParser::TTableState::TakeKnownTag(TCIMXMLParser& parser,
-                                                                  std::string_view rest) {
-  if (!*fLastChild) return {};
+TCIMXMLParser::EKnown TCIMXMLParser::TTableState::TakeKnown(TCIMXMLParser& parser,
+                                                            TAhead& ahead) {
+  if (!*fLastChild) return EKnown::kNothing;
   TParseState& child = **fLastChild;
-  const std::size_t nameSize = child.fName.size();
-  const std::string_view tag = rest.substr(0, nameSize + 1);
-  if (!IsSameText(tag.substr(0, nameSize), child.fName) || tag.back() != '>') return {};
+  TAhead behind = ahead;
+  if (!behind.Take(child.fName) || !behind.Take(">")) return EKnown::kNothing;
+  ahead = behind;
   Enter(parser, child);
   child.HandleAttrs(parser, {});
-  return {tag, nameSize};
+  return EKnown::kStartTag;
 }
 
 void TCIMXMLParser::TTableState::Enter(TCIMXMLParser& parser, TParseState& child) {

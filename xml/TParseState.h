@@ -24,8 +24,8 @@ class TCIMXMLParser::TParseState {
   virtual void HandleAttrs(TCIMXMLParser&, const TAttributes&) {}
   // The text of a child that is called fAwaited.leaf: what the child's state would do with it.
   virtual void TakeLeaf(TCIMXMLParser&, std::string_view /*text*/) {}
-  // Starts the child that `rest` begins with, if it is known by its tag.
-  virtual TTakenTag TakeKnownTag(TCIMXMLParser&, std::string_view /*rest*/) { return {}; }
+  // Starts or reads the child that stands `ahead`, if it is written as one before.
+  virtual EKnown TakeKnown(TCIMXMLParser&, TAhead& /*ahead*/) { return EKnown::kNothing; }
 
   // Only references in the keys of references open more than a dozen elements at once. Each level
   // takes two to four: at least 60 references fit into each other.
@@ -57,7 +57,7 @@ class TCIMXMLParser::TTableState : public TParseState {
   void StartElement(TCIMXMLParser& parser, std::string_view name,
                     const TAttributes& attributes) override;
   // Knows the child before by its name, when it has no attributes.
-  TTakenTag TakeKnownTag(TCIMXMLParser& parser, std::string_view rest) override;
+  EKnown TakeKnown(TCIMXMLParser& parser, TAhead& ahead) override;
 
  protected:
   static void Enter(TCIMXMLParser& parser, TParseState& child);

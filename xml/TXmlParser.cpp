@@ -7,10 +7,6 @@
 #include <set>
 #include <utility>
 
-#ifdef __SSE2__
-#include <emmintrin.h>
-#endif
-
 #include "zelcore/detail/Ascii.h"
 #include "zelcore/detail/SameText.h"
 
@@ -67,20 +63,6 @@ template <EByteClass kClass>
     if (!Is(at[2], kClass)) return at + 2;
     if (!Is(at[3], kClass)) return at + 3;
   }
-}
-
-// FindNot<kInText>() for runs that are longer. The document's NUL is at `end`.
-[[gnu::always_inline]] inline char* FindTextEnd(char* at, [[maybe_unused]] const char* end) {
-#ifdef __SSE2__
-  for (; end - at >= 16; at += 16) {
-    const __m128i block = _mm_loadu_si128(reinterpret_cast<const __m128i*>(at));
-    const auto has = [&](char c) { return _mm_cmpeq_epi8(block, _mm_set1_epi8(c)); };
-    const __m128i found = _mm_or_si128(_mm_or_si128(has('<'), has('&')), has('\0'));
-    const int places = _mm_movemask_epi8(found);
-    if (places != 0) return at + __builtin_ctz(static_cast<unsigned int>(places));
-  }
-#endif
-  return FindNot<kInText>(at);
 }
 
 char* SkipSpace(char* at) {
@@ -393,8 +375,8 @@ bool TXmlParser::ParseElement() {
   TOpenElements open(*this);
   TAttributeList attributes;
   do {
-    const bool isKnown = fAwaited->knownTags && ReadKnownTag(open);
-    if (!isKnown && !ParseStartTag(open, attributes)) return false;
+    const EKnown known = fAwaited->known ? ReadKnown(open) : EKnown::kNothing;
+    if (known == EKnown::kNothing && !ParseStartTag(open, attributes)) return false;
     if (!ParseContent(open)) return false;
   } while (!open.IsEmpty());
   return true;
@@ -417,12 +399,15 @@ bool TXmlParser::ParseElement() {
   if (!Take('>')) return Refuse("Unexpected character before end of element");
 
   const std::string_view tag(name, static_cast<std::size_t>(nameEnd - name));
+  // A tag without content is not worth it.
+  if (fAwaited->keptTags && !isEmpty) KeepTag(name, attributes.Get());
   // An open element hides a line feed behind its name from the count of lines.
   const bool isLeaf = !isEmpty && *nameEnd != '\n' && IsSameText(tag, fAwaited->leaf);
-  if (isLeaf && ReadLeaf(tag, fPosition)) return true;
-  if (fAwaited->keptTags) KeepTag(name, isEmpty ? 0 : tag.size(), attributes.Get());
-  open.Push(name, nameEnd);
-  StartTag(tag, attributes.Get());
+  const bool isRead = isLeaf && ReadLeaf(tag, fPosition);
+  if (!isRead) {
+    open.Push(name, nameEnd);
+    StartTag(tag, attributes.Get());
+  }
   fTag.text.clear();
   if (isEmpty) {
     EndElement(name);
@@ -442,7 +427,7 @@ bool TXmlParser::ParseElement() {
 
 // The same from `text` on.
 [[gnu::always_inline]] inline bool TXmlParser::ReadLeaf(std::string_view name, char* text) {
-  char* const textEnd = FindTextEnd(text, fEnd);
+  char* const textEnd = TAhead::FindTextEnd(text, fEnd);
   if (textEnd[0] != '<' || textEnd[1] != '/' || !StandsAt(textEnd + 2, name)) return false;
   char* const tagEnd = textEnd + 2 + name.size();
   if (*tagEnd != '>') return false;
@@ -451,22 +436,18 @@ bool TXmlParser::ParseElement() {
   return true;
 }
 
-[[gnu::always_inline]] inline bool TXmlParser::ReadKnownTag(TOpenElements& open) {
-  if (PeekChar() != '<') return false;
+[[gnu::always_inline]] inline TXmlParser::EKnown TXmlParser::ReadKnown(TOpenElements& open) {
+  if (PeekChar() != '<') return EKnown::kNothing;
   char* const name = fPosition + 1;
-  const TTakenTag tag = TakeKnownTag({name, static_cast<std::size_t>(fEnd - name)});
-  if (tag.read.empty()) return false;
-  std::memmove(name, tag.read.data(), tag.read.size());
-  fPosition = name + tag.read.size();
-  open.Push(name, name + tag.nameSize);
-  return true;
+  TAhead ahead(name, fEnd);
+  const EKnown known = TakeKnown(ahead);
+  if (known == EKnown::kNothing) return known;
+  fPosition = ahead.At();
+  if (known == EKnown::kStartTag) open.Push(name, FindNot<kInName>(name));
+  return known;
 }
 
-// A tag without content is not worth it.
-void TXmlParser::KeepTag(const char* name, std::size_t nameSize, const TAttributes& attributes) {
-  fTag.nameSize = nameSize;
-  fTag.text.clear();
-  if (nameSize == 0) return;
+void TXmlParser::KeepTag(const char* name, const TAttributes& attributes) {
   fTag.read.assign(name, static_cast<std::size_t>(fPosition - name));
   fTag.text = fTag.read;
   std::size_t taken = 0;
@@ -545,7 +526,7 @@ inline bool TXmlParser::ParseContent(TOpenElements& open) {
   for (;;) {
     char* const text = fPosition;
     fPosition = SkipSpace(text);
-    if (Is(*fPosition, kInText)) fPosition = FindTextEnd(fPosition, fEnd);
+    if (Is(*fPosition, kInText)) fPosition = TAhead::FindTextEnd(fPosition, fEnd);
     if (fPosition != text) {
       if (fAwaited->text) TextRun({text, static_cast<std::size_t>(fPosition - text)});
       hasReported = true;

@@ -6,6 +6,7 @@
 #include <string_view>
 #include <vector>
 
+#include "xml/TAhead.h"
 #include "zelcore/detail/Export.h"
 
 // A small, non-validating XML reader over one writable, NUL-terminated buffer. It reports what it
@@ -81,19 +82,19 @@ class ZEL_API TXmlParser {
   struct TKnownTag {
     std::string text;  // what stood behind the '<', up to the '>'; "" where none has been kept
     std::string read;  // the same with the names of the attributes lowercased
-    std::size_t nameSize = 0;
   };
-  // The tag that StartTag() is told of, where tags are to be kept.
+  // The tag that StartTag(), or Leaf(), is told of, where tags are to be kept.
   const TKnownTag& GetTag() const { return fTag; }
 
-  // What is to be made of a tag that was known.
-  struct TTakenTag {
-    std::string_view read;  // what is to stand in its place; "": the tag is not known
-    std::size_t nameSize = 0;
+  enum class EKnown {
+    kNothing,   // nothing has been taken, nor changed
+    kStartTag,  // the element has been started
+    kElement,   // the element has been read to its end
   };
-  // Starts the element whose tag `rest`, the document behind a '<', begins with, if the subclass
-  // knows it. StartTag() does not hear of it then.
-  virtual TTakenTag TakeKnownTag(std::string_view /*rest*/) { return {}; }
+  // Takes what stands `ahead`, behind a '<', if the subclass knows it, and leaves it as it would
+  // stand there when it had been read. StartTag() does not hear of it then, nor of an element all
+  // the rest.
+  virtual EKnown TakeKnown(TAhead& /*ahead*/) { return EKnown::kNothing; }
 
   // What the open element is good for.
   struct TAwaited {
@@ -101,8 +102,8 @@ class ZEL_API TXmlParser {
     // Leaf() is called for a child of this name, whatever its attributes, with nothing but one run
     // of text in it, or nothing.
     std::string_view leaf;
-    bool knownTags = false;  // TakeKnownTag() is called for its children
-    bool keptTags = false;   // GetTag() has those that are not known
+    bool known = false;     // TakeKnown() is called for its children
+    bool keptTags = false;  // GetTag() has the tags of those that are not known
   };
   // What `awaited` says holds from now on. It must outlive the call of Parse().
   void Await(const TAwaited& awaited) { fAwaited = &awaited; }
@@ -142,8 +143,8 @@ class ZEL_API TXmlParser {
   bool ParseStartTag(TOpenElements& open, TAttributeList& attributes);
   bool ReadPlainLeaf();
   bool ReadLeaf(std::string_view name, char* text);
-  bool ReadKnownTag(TOpenElements& open);
-  void KeepTag(const char* name, std::size_t nameSize, const TAttributes& attributes);
+  EKnown ReadKnown(TOpenElements& open);
+  void KeepTag(const char* name, const TAttributes& attributes);
   bool ParseAttribute(TAttributeList& attributes);
   bool ParseContent(TOpenElements& open);
   bool ParseEndTag(TOpenElements& open);

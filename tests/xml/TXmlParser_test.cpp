@@ -644,13 +644,14 @@ class TRememberer : public TRecorder {
     const std::string tag = fTags.back().text.empty() ? std::string(name) : fTags.back().read;
     Tell("tag " + tag + " " + std::to_string(attributes.size()));
   }
-  TTakenTag TakeKnownTag(std::string_view rest) override {
+  EKnown TakeKnown(TAhead& ahead) override {
     for (const TKnownTag& tag : fTags) {
-      if (tag.text.empty() || rest.substr(0, tag.text.size()) != tag.text) continue;
+      if (tag.text.empty() || !ahead.IsAt(tag.text)) continue;
       Tell("known " + tag.read);
-      return {tag.read, tag.nameSize};
+      ahead.Put(tag.read);
+      return EKnown::kStartTag;
     }
-    return {};
+    return EKnown::kNothing;
   }
 };
 
@@ -665,7 +666,6 @@ TEST(TXmlParser, AsksForATagThatMayBeKnown) {
   const std::string read = "<b x='1'\n yy = \"2\" >";
   EXPECT_EQ("<r>" + read + "t</b>" + read + "<c/></b><b x='1'></b></r>", reader.fBuffer);
   EXPECT_EQ("b X='1'\n Yy = \"2\" >", reader.fTags[1].text);
-  EXPECT_EQ(1U, reader.fTags[1].nameSize);
   EXPECT_EQ("", reader.fTags[2].text) << "an element without content is not kept";
   EXPECT_EQ("", reader.GetTag().text) << "nor is one when its call is over";
 }
@@ -736,13 +736,14 @@ class TQuickReader : public TRecorder {
     if (!GetTag().text.empty()) fKnown.push_back({GetTag(), event});
     Tell(event);
   }
-  TTakenTag TakeKnownTag(std::string_view rest) override {
+  EKnown TakeKnown(TAhead& ahead) override {
     for (const TKnown& known : fKnown) {
-      if (rest.substr(0, known.tag.text.size()) != known.tag.text) continue;
+      if (!ahead.IsAt(known.tag.text)) continue;
       Tell(known.event);
-      return {known.tag.read, known.tag.nameSize};
+      ahead.Put(known.tag.read);
+      return EKnown::kStartTag;
     }
-    return {};
+    return EKnown::kNothing;
   }
   void Leaf(std::string_view text) override {
     Tell("start a");
