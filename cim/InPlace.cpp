@@ -1,5 +1,7 @@
 #include "zelcore/detail/InPlace.h"
 
+#include <utility>
+
 #include "cim/TCIMInstanceImpl.h"
 #include "cim/TCIMObjectValueImpl.h"
 #include "cim/TCIMPropertyDeclImpl.h"
@@ -20,8 +22,10 @@ std::string_view TextOf(const TCIMValue& value) {
 const TCIMReference& ReferenceOf(const TCIMValue& value) {
   return TCIMReferenceValueImpl::ValueOf(value);
 }
-const std::map<std::string, TCIMValue>& KeysOf(const TCIMReference& reference) {
-  return reference.GetBody()->EnumerateKeyBindings();
+std::size_t CountKeys(const TCIMReference& path) { return path.GetBody()->KeyBindings().size(); }
+TKey KeyAt(const TCIMReference& path, std::size_t number) {
+  const TKeyBinding& key = path.GetBody()->KeyBindings()[number];
+  return {key.name.View(), key.value};
 }
 
 const boost::shared_ptr<const TPropertyLayout>& LayoutOf(const TCIMInstance& instance) {
@@ -31,9 +35,14 @@ std::size_t CountSlots(const TPropertyLayout& layout) { return layout.Size(); }
 std::size_t FindSlot(const TPropertyLayout& layout, std::string_view name) {
   return layout.Find(name);
 }
-TSlot SlotOf(const TCIMInstance& instance, std::size_t slot) {
-  const TCIMInstanceImpl& body = *instance.GetBody();
-  return {&body.PropertyAt(slot), body.Layout()->Type(slot)};
+TCIMProperty* PropertiesOf(const TCIMInstance& instance) {
+  return &instance.GetBody()->PropertyAt(0);
+}
+TCIMValue::TCIMType TypeAt(const TPropertyLayout& layout, std::size_t slot) {
+  return layout.Type(slot);
+}
+void BindKey(TCIMReference& path, const TCIMPropertyDecl& decl, TCIMValue&& value) {
+  path.GetBody()->Bind(decl, std::move(value));
 }
 bool SetFromText(TCIMProperty& property, TCIMValue::TCIMType type, std::string_view text) {
   return property.GetBody()->SetFromText(type, text);

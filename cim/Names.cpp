@@ -1,6 +1,8 @@
 #include "cim/Names.h"
 
 #include <algorithm>
+#include <cstdint>
+#include <cstring>
 #include <functional>
 
 #include "zelcore/detail/Fail.h"
@@ -31,10 +33,16 @@ bool TNameLess::operator()(std::string_view a, std::string_view b) const {
 }
 
 std::size_t TNameHash::operator()(std::string_view name) const {
-  char lower[64];
-  if (name.size() > sizeof lower) return std::hash<std::string>()(ToAsciiLower(std::string(name)));
-  std::transform(name.begin(), name.end(), lower, [](char c) { return ToAsciiLower(c); });
-  return std::hash<std::string_view>()({lower, name.size()});
+  // The bit by which small letters differ from capitals is set in all bytes, block by block.
+  constexpr std::uint64_t kSmall = 0x2020202020202020;
+  constexpr std::size_t kBlocks = 8;
+  std::uint64_t blocks[kBlocks];
+  if (name.size() > sizeof blocks) return std::hash<std::string>()(ToAsciiLower(std::string(name)));
+  const std::size_t count = (name.size() + sizeof kSmall - 1) / sizeof kSmall;
+  if (count != 0) blocks[count - 1] = 0;
+  if (!name.empty()) std::memcpy(blocks, name.data(), name.size());
+  for (std::size_t i = 0; i < count; ++i) blocks[i] |= kSmall;
+  return std::hash<std::string_view>()({reinterpret_cast<const char*>(blocks), name.size()});
 }
 
 }  // namespace zelcore::detail

@@ -4,6 +4,7 @@
 #include <string_view>
 
 #include "zelcore/detail/Ascii.h"
+#include "zelcore/detail/SameText.h"
 
 // CIM names: a letter or underscore, then letters, digits and underscores (ASCII); compared without
 // regard to case.
@@ -27,7 +28,7 @@ struct TNameHash {
 };
 struct TNameEqual {
   bool operator()(std::string_view a, std::string_view b) const {
-    return EqualsIgnoringAsciiCase(a, b);
+    return IsSameText(a, b) || EqualsIgnoringAsciiCase(a, b);
   }
 };
 

@@ -62,24 +62,30 @@ TCIMDateTime Interval(long microSeconds) {
                       static_cast<unsigned int>(distance % kMicro));
 }
 
-unsigned int Number(std::string_view digits) {
-  unsigned int number = 0;
-  for (char digit : digits) number = number * 10 + static_cast<unsigned int>(digit - '0');
-  return number;
-}
+// Numbers at fixed places of a text.
+class TDigits {
+ public:
+  explicit TDigits(std::string_view text) : fText(text) {}
 
-unsigned short ShortNumber(std::string_view digits) {
-  return static_cast<unsigned short>(Number(digits));
-}
+  unsigned int Two(std::size_t at) { return 10 * Digit(at) + Digit(at + 1); }
+  unsigned int Three(std::size_t at) { return 10 * Two(at) + Digit(at + 2); }
+  unsigned int Four(std::size_t at) { return 100 * Two(at) + Two(at + 2); }
+  unsigned int Six(std::size_t at) { return 100 * Four(at) + Two(at + 4); }
+  unsigned int Eight(std::size_t at) { return 10000 * Four(at) + Four(at + 4); }
 
-// Whether every character is a digit, but for the two marks at 14 and 21.
-bool HasForm(std::string_view text) {
-  if (text.size() != kTextLength || text[14] != '.') return false;
-  for (std::size_t i = 0; i < text.size(); ++i) {
-    if (i != 14 && i != 21 && !IsAsciiDigit(text[i])) return false;
+  // Whether all that has been read were digits.
+  bool WereRead() const { return fAreDigits; }
+
+ private:
+  unsigned int Digit(std::size_t at) {
+    const auto digit = static_cast<unsigned int>(static_cast<unsigned char>(fText[at])) - '0';
+    fAreDigits &= digit <= 9;
+    return digit;
   }
-  return true;
-}
+
+  std::string_view fText;
+  bool fAreDigits = true;
+};
 
 // Puts texts together from parts and numbers, which are filled up with zeros to their widths.
 class TPrinter {
@@ -178,23 +184,29 @@ bool TCIMDateTimeImpl::TrySet(unsigned int days, unsigned short hours, unsigned 
   return true;
 }
 
-bool TCIMDateTimeImpl::TrySet(std::string_view digits) {
-  if (!HasForm(digits)) return false;
-  const unsigned short hour = ShortNumber(digits.substr(8, 2));
-  const unsigned short minute = ShortNumber(digits.substr(10, 2));
-  const unsigned short second = ShortNumber(digits.substr(12, 2));
-  const unsigned int microSeconds = Number(digits.substr(15, 6));
-  const short suffix = static_cast<short>(Number(digits.substr(22, 3)));
-  const char kind = digits[21];
+bool TCIMDateTimeImpl::TrySet(std::string_view text) {
+  if (text.size() != kTextLength || text[14] != '.') return false;
+  TDigits digits(text);
+  const unsigned int days = digits.Eight(0);
+  const auto hour = static_cast<unsigned short>(digits.Two(8));
+  const auto minute = static_cast<unsigned short>(digits.Two(10));
+  const auto second = static_cast<unsigned short>(digits.Two(12));
+  const unsigned int microSeconds = digits.Six(15);
+  const auto suffix = static_cast<short>(digits.Three(22));
+  if (!digits.WereRead()) return false;
 
-  if (kind == ':' && suffix == 0) {
-    // sic: days of a text are cut to 16 bits.
-    return TrySet(ShortNumber(digits.substr(0, 8)), hour, minute, second, microSeconds);
+  switch (text[21]) {
+    case ':':
+      // sic: days of a text are cut to 16 bits.
+      return suffix == 0 &&
+             TrySet(static_cast<unsigned short>(days), hour, minute, second, microSeconds);
+    case '+':
+    case '-':
+      return TrySet(static_cast<unsigned short>(digits.Four(0)),
+                    static_cast<unsigned short>(digits.Two(4)), digits.Two(6), hour, minute, second,
+                    microSeconds, static_cast<short>(text[21] == '-' ? -suffix : suffix));
+    default: return false;
   }
-  if (kind != '+' && kind != '-') return false;
-  return TrySet(ShortNumber(digits.substr(0, 4)), ShortNumber(digits.substr(4, 2)),
-                Number(digits.substr(6, 2)), hour, minute, second, microSeconds,
-                static_cast<short>(kind == '-' ? -suffix : suffix));
 }
 
 std::string TCIMDateTimeImpl::ToString() const {

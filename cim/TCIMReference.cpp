@@ -42,7 +42,11 @@ void TCIMReference::AddKeyValue(const std::string& name, TCIMValue&& value) {
   fBody->AddKeyValue(name, std::move(value));
 }
 std::map<std::string, TCIMValue> TCIMReference::EnumerateKeyBindings() const {
-  return fBody->EnumerateKeyBindings();
+  std::map<std::string, TCIMValue> bindings;
+  for (const TKeyBinding& key : fBody->KeyBindings()) {
+    bindings.emplace_hint(bindings.end(), key.name.View(), key.value);
+  }
+  return bindings;
 }
 std::string TCIMReference::GetPath() const { return fBody->GetPath(); }
 ICIMElement* TCIMReference::GetCIMElement() const { return fBody->GetCIMElement(*this); }

@@ -1,5 +1,6 @@
 #include "cim/TCIMReferenceImpl.h"
 
+#include <algorithm>
 #include <functional>
 #include <utility>
 
@@ -61,20 +62,28 @@ void TCIMReferenceImpl::SetClass(TCIMClass& cls) {
   fClass = &cls;
 }
 
-// The first value bound to a name stays.
 void TCIMReferenceImpl::AddKeyValue(const std::string& name, const TCIMValue& value) {
   CheckKeyValue(name, value);
-  fBindings.try_emplace(name, value);
+  Insert(name, TCIMValue(value));
 }
 
 void TCIMReferenceImpl::AddKeyValue(const std::string& name, TCIMValue&& value) {
   CheckKeyValue(name, value);
-  fBindings.try_emplace(name, std::move(value));
+  Insert(name, std::move(value));
+}
+
+void TCIMReferenceImpl::Bind(const TCIMPropertyDecl& decl, TCIMValue&& value) {
+  CheckBinding(decl, decl.GetName(), value);
+  Insert(decl.GetName(), std::move(value));
 }
 
 void TCIMReferenceImpl::CheckKeyValue(const std::string& name, const TCIMValue& value) const {
   if (!fClass) Fail(zelStatusInvalidOpSequence, "AddKeyValue() called before class set");
-  const TCIMPropertyDecl& decl = *fClass->GetPropertyDecl(name);
+  CheckBinding(*fClass->GetPropertyDecl(name), name, value);
+}
+
+void TCIMReferenceImpl::CheckBinding(const TCIMPropertyDecl& decl, const std::string& name,
+                                     const TCIMValue& value) {
   if (decl.GetType() != value.GetType()) {
     Fail(zelStatusTypeMismatch, Text("Declaration type: ", TypeText(decl.GetType()),
                                      " Value type: ", TypeText(value.GetType())));
@@ -82,6 +91,17 @@ void TCIMReferenceImpl::CheckKeyValue(const std::string& name, const TCIMValue& 
   if (!decl.GetBody()->MayBeBound()) {
     Fail(zelStatusInvalidOpSequence, "AddKeyValue() called with a non-key property " + name);
   }
+}
+
+// The first value bound to a name stays.
+void TCIMReferenceImpl::Insert(std::string_view name, TCIMValue&& value) {
+  constexpr std::size_t kFew = 2;
+  if (fBindings.empty()) fBindings.reserve(kFew);
+  const auto place = std::lower_bound(
+      fBindings.begin(), fBindings.end(), name,
+      [](const TKeyBinding& binding, std::string_view n) { return binding.name.View() < n; });
+  if (place != fBindings.end() && place->name.View() == name) return;
+  fBindings.emplace(place, name, std::move(value));
 }
 
 std::string TCIMReferenceImpl::GetPath() const {
@@ -93,11 +113,11 @@ std::string TCIMReferenceImpl::GetPath() const {
 void TCIMReferenceImpl::AppendPath(std::string& text) const {
   text += GetClass()->GetName();
   char separator = '.';
-  for (const auto& [name, value] : fBindings) {
+  for (const TKeyBinding& key : fBindings) {
     text += separator;
-    text += name;
+    text += key.name.View();
     text += "=\"";
-    AppendPathText(text, value);
+    AppendPathText(text, key.value);
     text += '"';
     separator = ',';
   }

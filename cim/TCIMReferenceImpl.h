@@ -1,12 +1,14 @@
 #pragma once
 
-#include <map>
 #include <string>
+#include <string_view>
 
+#include "cim/TKeyBinding.h"
 #include "zelcore/TCIMReference.h"
 #include "zelcore/detail/Export.h"
 
 class TCIMInstance;
+class TCIMPropertyDecl;
 
 class ZEL_API TCIMReferenceImpl {
  public:
@@ -26,7 +28,9 @@ class ZEL_API TCIMReferenceImpl {
 
   void AddKeyValue(const std::string& name, const TCIMValue& value);
   void AddKeyValue(const std::string& name, TCIMValue&& value);
-  const std::map<std::string, TCIMValue>& EnumerateKeyBindings() const { return fBindings; }
+  // The same by the name of `decl`, which is that of the class.
+  void Bind(const TCIMPropertyDecl& decl, TCIMValue&& value);
+  const TKeyBindings& KeyBindings() const { return fBindings; }
   bool HasKeyBindings() const { return !fBindings.empty(); }
   std::string GetPath() const;
   void AppendPath(std::string& text) const;
@@ -42,10 +46,13 @@ class ZEL_API TCIMReferenceImpl {
 
  private:
   void CheckKeyValue(const std::string& name, const TCIMValue& value) const;
+  static void CheckBinding(const TCIMPropertyDecl& decl, const std::string& name,
+                           const TCIMValue& value);
+  void Insert(std::string_view name, TCIMValue&& value);
 
   TCIMReference* fOwner;  // the handle that holds this
   const TContainer* fContainer;
   TCIMClass* fClass;
-  std::map<std::string, TCIMValue> fBindings;
+  TKeyBindings fBindings;
   mutable TCIMInstance* fElement;  // once found; not owned
 };

@@ -3,6 +3,7 @@
 #include <cstring>
 #include <string>
 #include <string_view>
+#include <utility>
 
 // A text that does not change, in 24 bytes: a short one stands in it, a long one on the heap.
 class TShortText {
@@ -26,6 +27,11 @@ class TShortText {
     other.Kind() = 0;
   }
   TShortText& operator=(const TShortText&) = delete;
+  // Exchanges the two.
+  TShortText& operator=(TShortText&& other) noexcept {
+    std::swap(fBytes, other.fBytes);
+    return *this;
+  }
   ~TShortText() {
     if (Kind() == kIsLong) delete[] Far().text;
   }

@@ -3,7 +3,6 @@
 #include <iterator>
 #include <memory>
 
-#include "zelcore/TCIMProperty.h"
 #include "zelcore/TContainer.h"
 #include "zelcore/detail/InPlace.h"
 
@@ -12,8 +11,8 @@ using zelcore::detail::FindSlot;
 using zelcore::detail::kNoSlot;
 using zelcore::detail::LayoutOf;
 using zelcore::detail::SetFromText;
-using zelcore::detail::SlotOf;
-using zelcore::detail::TSlot;
+using zelcore::detail::PropertiesOf;
+using zelcore::detail::TypeAt;
 
 using TCIMType = TCIMValue::TCIMType;
 
@@ -23,10 +22,7 @@ TCIMType ElementOf(TCIMType type) {
   return static_cast<TCIMType::ECIMType>(type & ~TCIMType::TypeArray);
 }
 
-// Of elements that were gathered in one vector for all, and are kept in one of their number.
-TCIMValue MakeArray(TCIMType type, unsigned int size, std::vector<TCIMValue>& gathered) {
-  std::vector<TCIMValue> elements(std::make_move_iterator(gathered.begin()),
-                                  std::make_move_iterator(gathered.end()));
+TCIMValue MakeArray(TCIMType type, unsigned int size, std::vector<TCIMValue>&& elements) {
   TCIMValue array;
   array.Set(type, size, std::move(elements));
   return array;
@@ -51,56 +47,81 @@ void TCIMXMLParser::TStateInstance::HandleAttrs(TCIMXMLParser& parser,
     fTags->bySlot.resize(CountSlots(*layout));
   }
   fExpected = &fTags->first;
+  fProperties = PropertiesOf(*fInstance);
 }
 
 TCIMXMLParser::EKnown TCIMXMLParser::TStateInstance::TakeKnown(TCIMXMLParser& parser,
                                                                TAhead& ahead) {
+  // Property behind property, as long as each is no more than its value.
+  EKnown taken = EKnown::kNothing;
+  TAhead next = ahead;
+  TPropertyTag* known = nullptr;
+  while ((known = FindKnown(next)) && TakeProperty(*known, next)) {
+    fExpected = &known->next;
+    ahead = next;
+    taken = EKnown::kElement;
+    next.TakeSpace();
+    if (!next.Take("<")) break;
+  }
+  if (!known || taken != EKnown::kNothing) return taken;
+
+  ahead.Put(known->tag.read);
+  fExpected = &known->next;
+  Enter(parser, *known->state);
+  known->state->Start(GetProperty(SlotOf(*known)), known->type, known->arraySize);
+  return EKnown::kStartTag;
+}
+
+// The tag that stands ahead, or null.
+TCIMXMLParser::TStateInstance::TPropertyTag* TCIMXMLParser::TStateInstance::FindKnown(
+    const TAhead& ahead) {
   constexpr int kSteps = 4;  // one instance may leave out what another has
   std::size_t slot = *fExpected;
   for (int step = 0; step < kSteps && slot != kNoSlot; ++step) {
     TPropertyTag& known = fTags->bySlot[slot];
-    if (!known.tag.text.empty() && ahead.IsAt(known.tag.text)) {
-      ahead.Put(known.tag.read);
-      fExpected = &known.next;
-      if (TakeValue(known, slot, ahead)) return EKnown::kElement;
-      Enter(parser, *known.state);
-      known.state->Start(slot, known.arraySize);
-      return EKnown::kStartTag;
-    }
+    if (!known.tag.text.empty() && ahead.IsAt(known.tag.text)) return &known;
     slot = known.next;
   }
-  return EKnown::kNothing;
+  return nullptr;
 }
 
-// Takes the rest of the property, if it is one value or one array of them, and all of it is right.
-bool TCIMXMLParser::TStateInstance::TakeValue(const TPropertyTag& known, std::size_t slot,
-                                              TAhead& ahead) {
-  const TSlot place = SlotOf(*fInstance, slot);
-  if (known.state->IsArray() != place.type.IsArray()) return false;
+// Takes the property that begins with the tag, if it is one value or one array of them, and all of
+// it is right.
+bool TCIMXMLParser::TStateInstance::TakeProperty(const TPropertyTag& known, TAhead& ahead) {
+  if (known.isArray != known.type.IsArray()) return false;
   TAhead behind = ahead;
+  behind.Skip(known.tag.text.size());
+  TCIMProperty& property = GetProperty(SlotOf(known));
   const bool isTaken =
-      place.type.IsArray() ? TakeArray(place, known.arraySize, behind) : TakeScalar(place, behind);
-  if (isTaken) ahead = behind;
-  return isTaken;
+      known.isArray ? TakeArray(known, property, behind) : TakeScalar(known, property, behind);
+  if (!isTaken) return false;
+  ahead.Put(known.tag.read);
+  ahead = behind;
+  return true;
 }
 
-bool TCIMXMLParser::TStateInstance::TakeScalar(const TSlot& place, TAhead& ahead) {
+bool TCIMXMLParser::TStateInstance::TakeScalar(const TPropertyTag& known, TCIMProperty& property,
+                                               TAhead& ahead) {
   if (!ahead.Take("<VALUE>")) return false;
   const std::string_view text = ahead.TakeText();
-  return ahead.Take("</VALUE></PROPERTY>") && SetFromText(*place.property, place.type, text);
+  return ahead.Take("</VALUE></PROPERTY>") && SetFromText(property, known.type, text);
 }
 
-bool TCIMXMLParser::TStateInstance::TakeArray(const TSlot& place, unsigned int arraySize,
+bool TCIMXMLParser::TStateInstance::TakeArray(const TPropertyTag& known, TCIMProperty& property,
                                               TAhead& ahead) {
-  const TCIMType type = ElementOf(place.type);
+  const TCIMType type = ElementOf(known.type);
   if (type == TCIMType::TypeReference || !ahead.Take("<VALUE.ARRAY>")) return false;
   fElements.clear();
   while (ahead.Take("<VALUE>")) {
-    const std::string_view text = ahead.TakeText();
-    if (!ahead.Take("</VALUE>") || !fElements.emplace_back().SetFromText(type, text)) return false;
+    fElements.push_back(ahead.TakeText());
+    if (!ahead.Take("</VALUE>")) return false;
   }
   if (!ahead.Take("</VALUE.ARRAY></PROPERTY.ARRAY>")) return false;
-  place.property->SetValue(MakeArray(type, arraySize, fElements));
+  std::vector<TCIMValue> elements(fElements.size());
+  for (std::size_t i = 0; i < elements.size(); ++i) {
+    if (!elements[i].SetFromText(type, fElements[i])) return false;
+  }
+  property.SetValue(MakeArray(type, known.arraySize, std::move(elements)));
   return true;
 }
 
@@ -110,6 +131,8 @@ void TCIMXMLParser::TStateInstance::Remember(const TKnownTag& tag, std::size_t s
   if (!tag.text.empty()) {
     known.tag = tag;
     known.state = &property;
+    known.isArray = property.IsArray();
+    known.type = property.GetType();
     known.arraySize = property.GetArraySize();
   }
   *fExpected = slot;
@@ -126,7 +149,7 @@ void TCIMXMLParser::TStateProperty::HandleAttrs(TCIMXMLParser& parser,
     LookUp("property", fAttributes.name,
            [&] { return instance.GetProperty(std::string(fAttributes.name)); });
   }
-  Start(slot, fAttributes.arraySize);
+  Start(fInstance.GetProperty(slot), TypeAt(*LayoutOf(instance), slot), fAttributes.arraySize);
   const TCIMType given = fAttributes.GetType();
   if (given != TCIMType::TypeNone && (fIsArray ? ArrayOf(given) : given) != fType) {
     parser.FatalError("Property type != property declaration type");
@@ -134,10 +157,10 @@ void TCIMXMLParser::TStateProperty::HandleAttrs(TCIMXMLParser& parser,
   fInstance.Remember(parser.GetTag(), slot, *this);
 }
 
-void TCIMXMLParser::TStateProperty::Start(std::size_t slot, unsigned int arraySize) {
-  const zelcore::detail::TSlot place = SlotOf(fInstance.GetInstance(), slot);
-  fProperty = place.property;
-  fType = place.type;
+void TCIMXMLParser::TStateProperty::Start(TCIMProperty& property, TCIMType type,
+                                          unsigned int arraySize) {
+  fProperty = &property;
+  fType = type;
   fMaxArraySize = arraySize;
   fValue.reset();
 }
@@ -176,6 +199,9 @@ void TCIMXMLParser::TStateValueArray::TakeText(TCIMXMLParser& parser, std::strin
 }
 
 void TCIMXMLParser::TStateValueArray::EndElement(TCIMXMLParser& parser, std::string& name) {
-  fSlot.Take(MakeArray(fType, fSlot.fMaxArraySize, fElements));
+  // Gathered in one vector for all, kept in one of their number.
+  std::vector<TCIMValue> elements(std::make_move_iterator(fElements.begin()),
+                                  std::make_move_iterator(fElements.end()));
+  fSlot.Take(MakeArray(fType, fSlot.fMaxArraySize, std::move(elements)));
   TTableState::EndElement(parser, name);
 }

@@ -5,9 +5,9 @@
 
 #include "xml/DocumentStates.h"
 #include "zelcore/TCIMInstance.h"
+#include "zelcore/TCIMProperty.h"
 #include "zelcore/detail/InPlace.h"
 
-class TCIMProperty;
 class TPropertyLayout;
 
 // Instances, their properties, and values.
@@ -24,6 +24,7 @@ class TCIMXMLParser::TStateInstance : public TTableState, public IQualifierTarge
   EKnown TakeKnown(TCIMXMLParser& parser, TAhead& ahead) override;
   ICIMAllowQualifiers* GetQualified() override { return nullptr; }
   const TCIMInstance& GetInstance() const { return *fInstance; }
+  TCIMProperty& GetProperty(std::size_t slot) const { return fProperties[slot]; }
 
   // That the tag just read starts `property`, which stands at `slot`.
   void Remember(const TKnownTag& tag, std::size_t slot, TStateProperty& property);
@@ -32,6 +33,8 @@ class TCIMXMLParser::TStateInstance : public TTableState, public IQualifierTarge
   struct TPropertyTag {
     TKnownTag tag;                    // without text: none has been read
     TStateProperty* state = nullptr;  // kept: no instance stands deep enough for another rule
+    bool isArray = false;             // what its element is for, as its declaration
+    TCIMValue::TCIMType type = TCIMValue::TCIMType::TypeNone;  // declared
     unsigned int arraySize = 0;
     // The slot of the property that is expected behind it.
     std::size_t next = zelcore::detail::kNoSlot;
@@ -43,17 +46,22 @@ class TCIMXMLParser::TStateInstance : public TTableState, public IQualifierTarge
     std::size_t first = zelcore::detail::kNoSlot;
   };
 
-  bool TakeValue(const TPropertyTag& known, std::size_t slot, TAhead& ahead);
-  static bool TakeScalar(const zelcore::detail::TSlot& place, TAhead& ahead);
-  bool TakeArray(const zelcore::detail::TSlot& place, unsigned int arraySize, TAhead& ahead);
+  std::size_t SlotOf(const TPropertyTag& known) const {
+    return static_cast<std::size_t>(&known - fTags->bySlot.data());
+  }
+  TPropertyTag* FindKnown(const TAhead& ahead);
+  bool TakeProperty(const TPropertyTag& known, TAhead& ahead);
+  static bool TakeScalar(const TPropertyTag& known, TCIMProperty& property, TAhead& ahead);
+  bool TakeArray(const TPropertyTag& known, TCIMProperty& property, TAhead& ahead);
 
   TObjectState& fParent;
   std::string fClassName;
   const TCIMInstance* fInstance = nullptr;
+  TCIMProperty* fProperties = nullptr;  // of it, by slot
   std::unordered_map<const TPropertyLayout*, TPropertyTags> fTagsOfClasses;
   TPropertyTags* fTags = nullptr;    // of this instance's class
   std::size_t* fExpected = nullptr;  // the slot of the next property, in fTags
-  std::vector<TCIMValue> fElements;  // of the array that is being read
+  std::vector<std::string_view> fElements;  // of the array that is being read
 };
 
 class TCIMXMLParser::TStateProperty : public TTableState,
@@ -65,10 +73,11 @@ class TCIMXMLParser::TStateProperty : public TTableState,
   }
   static const TChildRule kChildren[];
   void HandleAttrs(TCIMXMLParser& parser, const TAttributes& attributes) override;
-  // What HandleAttrs() does for attributes that name this property and are right.
-  void Start(std::size_t slot, unsigned int arraySize);
+  // What HandleAttrs() does for attributes that name this property, of this type, and are right.
+  void Start(TCIMProperty& property, TCIMValue::TCIMType type, unsigned int arraySize);
   unsigned int GetArraySize() const { return fMaxArraySize; }
   bool IsArray() const { return fIsArray; }
+  TCIMValue::TCIMType GetType() const { return fType; }
   void Take(TCIMValue&& value) override;
   void TakeText(TCIMXMLParser& parser, std::string_view text) override;
   void TakeLeaf(TCIMXMLParser& parser, std::string_view text) override { TakeText(parser, text); }

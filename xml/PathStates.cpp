@@ -5,6 +5,7 @@
 #include "zelcore/TCIMClass.h"
 #include "zelcore/TCIMPropertyDecl.h"
 #include "zelcore/TContainer.h"
+#include "zelcore/detail/InPlace.h"
 
 void TCIMXMLParser::TStateLocalNamespacePath::StartElement(TCIMXMLParser& parser,
                                                            std::string_view name,
@@ -53,7 +54,7 @@ TCIMXMLParser::EKnown TCIMXMLParser::TStateInstanceName::TakeKnown(TCIMXMLParser
   if (!behind.Take("</KEYVALUE></KEYBINDING>") || !value.SetFromText(key.type, text)) {
     return EKnown::kNothing;
   }
-  Bind(key.decl->GetName(), std::move(value));
+  Bind(*key.decl, std::move(value));
   ahead.Put(key.tags.read);
   ahead = behind;
   ++fExpected;
@@ -69,12 +70,15 @@ void TCIMXMLParser::TStateInstanceName::Remember(TKnownTag&& tags, const TCIMPro
 
 void TCIMXMLParser::TStateInstanceName::TakeKeyText(TCIMXMLParser& parser, std::string_view text) {
   for (const std::string& key : fClass->EnumerateKeyNames()) {
-    Bind(key, parser.ParseValue(fClass->GetPropertyDecl(key)->GetType(), text));
+    const TCIMPropertyDecl& decl = *fClass->GetPropertyDecl(key);
+    Bind(decl, parser.ParseValue(decl.GetType(), text));
   }
 }
 
 void TCIMXMLParser::TStateInstanceName::TakeReference(TCIMXMLParser&, TCIMReference&& reference) {
-  for (const std::string& key : fClass->EnumerateKeyNames()) Bind(key, TCIMValue(reference));
+  for (const std::string& key : fClass->EnumerateKeyNames()) {
+    Bind(*fClass->GetPropertyDecl(key), TCIMValue(reference));
+  }
 }
 
 bool TCIMXMLParser::TStateInstanceName::HasKey(const std::string& name) const {
@@ -82,8 +86,8 @@ bool TCIMXMLParser::TStateInstanceName::HasKey(const std::string& name) const {
   return std::find(keys.begin(), keys.end(), name) != keys.end();
 }
 
-void TCIMXMLParser::TStateInstanceName::Bind(const std::string& name, TCIMValue&& value) {
-  fReference->AddKeyValue(name, std::move(value));
+void TCIMXMLParser::TStateInstanceName::Bind(const TCIMPropertyDecl& decl, TCIMValue&& value) {
+  zelcore::detail::BindKey(*fReference, decl, std::move(value));
   fHasKeys = true;
 }
 
@@ -132,7 +136,7 @@ void TCIMXMLParser::TStateKeyBinding::EndElement(TCIMXMLParser& parser, std::str
   }
   if (fDecl && fValue && (needsKey || fInstance.HasKey(fDecl->GetName()))) {
     // By the declaration's spelling: so the path equals that of the instance that it names.
-    fInstance.Bind(fDecl->GetName(), std::move(*fValue));
+    fInstance.Bind(*fDecl, std::move(*fValue));
     if (needsKey && !fTags.text.empty()) fInstance.Remember(std::move(fTags), *fDecl);
   }
   TTableState::EndElement(parser, name);

@@ -112,7 +112,7 @@ class TCIMXMLParser::TStateInstanceName : public TTableState, public IKeySlot {
 
   const TCIMClass& GetClass() const { return *fClass; }
   bool HasKey(const std::string& name) const;
-  void Bind(const std::string& name, TCIMValue&& value);
+  void Bind(const TCIMPropertyDecl& decl, TCIMValue&& value);
   // That `tags`, of a KEYBINDING and its KEYVALUE, bind the property to the text behind them.
   void Remember(TKnownTag&& tags, const TCIMPropertyDecl& decl);
 

@@ -29,6 +29,10 @@ class TAhead {
     fAt += markup.size();
     return true;
   }
+  void Skip(std::size_t size) { fAt += size; }
+  void TakeSpace() {
+    while (*fAt == ' ' || *fAt == '\n' || *fAt == '\t' || *fAt == '\r') ++fAt;
+  }
   // Passes over text up to the next '<', '&' or NUL.
   [[gnu::always_inline]] std::string_view TakeText() {
     char* const text = fAt;

@@ -26,14 +26,16 @@
 #include "zelcore/detail/InPlace.h"
 #include "zelcore/detail/TypeText.h"
 
+using zelcore::detail::CountKeys;
 using zelcore::detail::DefaultOf;
 using zelcore::detail::Fail;
-using zelcore::detail::KeysOf;
+using zelcore::detail::KeyAt;
 using zelcore::detail::LayoutOf;
 using zelcore::detail::LogCore;
 using zelcore::detail::ReferenceOf;
 using zelcore::detail::Text;
 using zelcore::detail::TextOf;
+using zelcore::detail::TKey;
 using zelcore::detail::TypeText;
 using zelcore::detail::ValueOf;
 
@@ -281,25 +283,26 @@ class TDocument {
   }
 
   void WriteReference(const TCIMReference& path) {
-    const std::map<std::string, TCIMValue>& keys = KeysOf(path);
+    const std::size_t keys = CountKeys(path);
     Put("<VALUE.REFERENCE>");
-    if (keys.empty()) {
+    if (keys == 0) {
       Put("<CLASSNAME NAME=\"", path.GetClass()->GetName(), "\"/>");
     } else {
       Put("<INSTANCENAME CLASSNAME=\"", path.GetClass()->GetName(), "\">");
-      for (const auto& [name, value] : keys) WriteKey(*path.GetClass(), name, value);
+      for (std::size_t key = 0; key < keys; ++key) WriteKey(*path.GetClass(), KeyAt(path, key));
       Put("</INSTANCENAME>");
     }
     Put("</VALUE.REFERENCE>");
   }
 
-  void WriteKey(const TCIMClass& cls, const std::string& name, const TCIMValue& value) {
+  void WriteKey(const TCIMClass& cls, const TKey& key) {
+    const auto& [name, value] = key;
     if (value.IsNull() || value.IsArray()) {
       Warn(Text("left out key ", name, ", which is NULL or an array"));
       return;
     }
-    const TCIMPropertyDecl* const decl = cls.FindPropertyDecl(name);
-    Put("<KEYBINDING NAME=\"", decl ? decl->GetName() : name, "\">");
+    const TCIMPropertyDecl* const decl = cls.FindPropertyDecl(std::string(name));
+    Put("<KEYBINDING NAME=\"", decl ? std::string_view(decl->GetName()) : name, "\">");
     if (value.IsReference()) {
       WriteReference(ReferenceOf(value));
     } else {

@@ -193,6 +193,7 @@ class ZEL_API TCIMValue {
   friend class TCIMPropertyImpl;
   friend class TCIMValueImpl;
   friend class TCIMXMLParser;
+  friend struct TKeyBinding;
 
   // The data of a value that is not NULL.
   TCIMValueImpl& Variant() const;

@@ -2,8 +2,6 @@
 
 #include <boost/shared_ptr.hpp>
 #include <cstddef>
-#include <map>
-#include <string>
 #include <string_view>
 
 #include "zelcore/TCIMValue.h"
@@ -25,7 +23,14 @@ const TCIMValue& DefaultOf(const TCIMPropertyDecl& decl);
 // Of a string, and of a reference, that is not NULL.
 std::string_view TextOf(const TCIMValue& value);
 const TCIMReference& ReferenceOf(const TCIMValue& value);
-const std::map<std::string, TCIMValue>& KeysOf(const TCIMReference& reference);
+
+// The keys of a path, in their order.
+struct TKey {
+  std::string_view name;
+  const TCIMValue& value;
+};
+std::size_t CountKeys(const TCIMReference& path);
+TKey KeyAt(const TCIMReference& path, std::size_t number);
 
 // Reading. A slot is the number of a property of an instance; the instances of a class share them
 // for as long as they have one layout.
@@ -37,14 +42,16 @@ std::size_t CountSlots(const TPropertyLayout& layout);
 // kNoSlot also for a name that is not valid.
 std::size_t FindSlot(const TPropertyLayout& layout, std::string_view name);
 
-struct TSlot {
-  TCIMProperty* property;
-  TCIMValue::TCIMType type;  // as declared
-};
-TSlot SlotOf(const TCIMInstance& instance, std::size_t slot);
+// The properties, in the order of their slots.
+TCIMProperty* PropertiesOf(const TCIMInstance& instance);
+// The declared type.
+TCIMValue::TCIMType TypeAt(const TPropertyLayout& layout, std::size_t slot);
 
 // Sets the value that `text` has in `type`, the property's. False, with nothing changed, when there
 // is a value already, and for references, arrays and datetimes that are bad.
 bool SetFromText(TCIMProperty& property, TCIMValue::TCIMType type, std::string_view text);
+
+// Binds a key by the name of `decl`, which is that of the path's class. Throws as AddKeyValue() does.
+void BindKey(TCIMReference& path, const TCIMPropertyDecl& decl, TCIMValue&& value);
 
 }  // namespace zelcore::detail

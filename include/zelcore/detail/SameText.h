@@ -9,22 +9,31 @@ namespace zelcore::detail {
 // Whether two texts are the same bytes: for short ones, to which a call would be most of the work.
 inline bool IsSameText(std::string_view a, std::string_view b) {
   if (a.size() != b.size()) return false;
-  const auto isSame = [&](auto block, std::size_t at) {
+  // The bits by which two blocks of a type differ.
+  const auto differ = [&](auto block, std::size_t at) {
     auto other = block;
     std::memcpy(&block, a.data() + at, sizeof block);
     std::memcpy(&other, b.data() + at, sizeof other);
-    return block == other;
+    return block ^ other;
+  };
+  constexpr std::size_t kWord = sizeof(std::uint64_t);
+  constexpr std::size_t kHalf = sizeof(std::uint32_t);
+  const auto differAt = [&](std::size_t at) {
+    return (differ(std::uint64_t{}, at) | differ(std::uint64_t{}, at + kWord)) != 0;
   };
   const std::size_t size = a.size();
-  if (size >= sizeof(std::uint64_t)) {
-    const std::size_t last = size - sizeof(std::uint64_t);
-    for (std::size_t at = 0; at < last; at += sizeof(std::uint64_t)) {
-      if (!isSame(std::uint64_t{}, at)) return false;
+  if (size >= 2 * kWord) {
+    const std::size_t last = size - 2 * kWord;
+    for (std::size_t at = 0; at < last; at += 2 * kWord) {
+      if (differAt(at)) return false;
     }
-    return isSame(std::uint64_t{}, last);
+    return !differAt(last);
   }
-  if (size >= sizeof(std::uint32_t)) {
-    return isSame(std::uint32_t{}, 0) && isSame(std::uint32_t{}, size - sizeof(std::uint32_t));
+  if (size >= kWord) {
+    return (differ(std::uint64_t{}, 0) | differ(std::uint64_t{}, size - kWord)) == 0;
+  }
+  if (size >= kHalf) {
+    return (differ(std::uint32_t{}, 0) | differ(std::uint32_t{}, size - kHalf)) == 0;
   }
   for (std::size_t at = 0; at < size; ++at) {
     if (a[at] != b[at]) return false;
