@@ -4,7 +4,8 @@
 
 #include <new>
 
-void* TBlockPool::Allocate(std::size_t size) {
+// A released block of that size, or a new one.
+void* TBlockPool::Reuse(std::size_t size) {
   const auto found = fReleased.find(size);
   if (found == fReleased.end() || !found->second) {
     return fMemory.At(fMemory.Allocate(size));

@@ -20,38 +20,26 @@ using zelcore::detail::Fail;
 using zelcore::detail::OrNotFound;
 using zelcore::detail::Text;
 
-static_assert(sizeof(TCIMProperty) % alignof(TCIMPropertyImpl) == 0);
-static_assert(sizeof(TReferenceWatch) % alignof(TCIMProperty) == 0);
+static_assert(sizeof(TPropertyHead) % alignof(TCIMProperty) == 0);
 
 TCIMInstanceImpl::TPropertyBlock::TPropertyBlock(const TPropertyLayout& layout,
                                                  const boost::shared_ptr<TBlockPool>& memory)
-    : fMemory(memory),
-      fSize(static_cast<std::uint32_t>(layout.Size())),
-      fHasWatch(layout.HasReferences()) {
-  void* block = fMemory->Allocate(MemorySize());
-  if (fHasWatch) block = new (block) TReferenceWatch() + 1;
-  fProperties = static_cast<TCIMProperty*>(block);
-  auto* bodies = reinterpret_cast<TCIMPropertyImpl*>(fProperties + fSize);
-  for (std::uint32_t slot = 0; slot < fSize; ++slot) {
-    TCIMProperty* property = fProperties + slot;
-    const std::uint32_t watched = fHasWatch ? slot : TCIMPropertyImpl::kUnwatched;
-    new (property) TCIMProperty(new (bodies + slot)
-                                    TCIMPropertyImpl(property, &layout.Decl(slot), true, watched));
-  }
+    : fMemory(memory), fSize(static_cast<std::uint32_t>(layout.Size())) {
+  auto* const head = new (fMemory->Allocate(MemorySize())) TPropertyHead{fMemory.get(), {}};
+  fProperties = reinterpret_cast<TCIMProperty*>(head + 1);
+  TCIMProperty* next = fProperties;
+  for (TCIMPropertyImpl& shared : layout.SharedBodies()) new (next++) TCIMProperty(shared);
 }
 
 TCIMInstanceImpl::TPropertyBlock::~TPropertyBlock() {
   std::destroy_n(fProperties, fSize);
-  TReferenceWatch* const watch = Watch();
-  if (watch) watch->~TReferenceWatch();
-  fMemory->Release(watch ? static_cast<void*>(watch) : fProperties, MemorySize());
+  TPropertyHead& head = Head();
+  head.~TPropertyHead();
+  fMemory->Release(&head, MemorySize());
 }
 
 std::size_t TCIMInstanceImpl::TPropertyBlock::MemorySize() const {
-  // An instance without properties has a block, too.
-  const std::size_t properties =
-      std::max<std::size_t>(fSize, 1) * (sizeof(TCIMProperty) + sizeof(TCIMPropertyImpl));
-  return fHasWatch ? sizeof(TReferenceWatch) + properties : properties;
+  return sizeof(TPropertyHead) + fSize * sizeof(TCIMProperty);
 }
 
 TCIMInstanceImpl::TCIMInstanceImpl(TCIMInstance* owner, TCIMClass* cls)
@@ -77,7 +65,7 @@ void TCIMInstanceImpl::Validate() const {
   for (const std::size_t slot : current->KeySlots()) {
     const std::string& name = current->Decl(slot).GetName();
     const TCIMProperty* property = current == fLayout ? &fProperties[slot] : GetProperty(name);
-    if (property->GetBody()->Value().IsNull()) {
+    if (property->GetShownBody().Value().IsNull()) {
       Fail(zelStatusInvalidInstance, Text("Instance ", fClass->GetName(), ": key property ",
                                           property->GetName(), " is NULL"));
     }
@@ -134,7 +122,7 @@ void TCIMInstanceImpl::BuildPathText(std::string& text) const {
   text = fClass->GetName();
   for (const TPropertyLayout::TPathPart& part : current->PathParts()) {
     text += part.opening;
-    AppendPathText(text, fProperties[part.slot].GetBody()->Value());
+    AppendPathText(text, fProperties[part.slot].GetShownBody().Value());
   }
   if (!current->PathParts().empty()) text += '"';
 }
@@ -145,7 +133,7 @@ bool TCIMInstanceImpl::HasPlainPath(const TPropertyLayout& current) const {
   if (&current != fLayout.get()) return false;
   const std::vector<TPropertyLayout::TPathPart>& keys = current.PathParts();
   return std::all_of(keys.begin(), keys.end(), [&](const TPropertyLayout::TPathPart& key) {
-    const TCIMValue& value = fProperties[key.slot].GetBody()->Value();
+    const TCIMValue& value = fProperties[key.slot].GetShownBody().Value();
     return !value.IsNull() && value.GetType() == key.type;
   });
 }

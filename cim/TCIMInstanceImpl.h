@@ -11,7 +11,7 @@
 #include "cim/TBlockPool.h"
 #include "cim/TCIMElementImpl.h"
 #include "cim/TPropertyLayout.h"
-#include "cim/TReferenceWatch.h"
+#include "cim/TPropertyHead.h"
 #include "zelcore/TCIMProperty.h"
 #include "zelcore/TCIMReference.h"
 #include "zelcore/detail/Export.h"
@@ -50,7 +50,9 @@ class ZEL_API TCIMInstanceImpl : public TCIMElementImpl {
   const boost::shared_ptr<const TPropertyLayout>& Layout() const { return fLayout; }
   TCIMProperty& PropertyAt(std::size_t slot) const { return fProperties[slot]; }
   // Null unless the class declared a reference when the instance was made.
-  TReferenceWatch* Watch() const { return fProperties.Watch(); }
+  TReferenceWatch* Watch() const {
+    return fLayout->HasReferences() ? &fProperties.Head().watch : nullptr;
+  }
 
   TCIMReference BuildPath() const;
   // BuildPath().GetPath(), without making the path in between; or in place of `text`.
@@ -70,8 +72,8 @@ class ZEL_API TCIMInstanceImpl : public TCIMElementImpl {
   }
 
  private:
-  // One allocation: the properties in the order of the layout's slots, and their bodies behind; in
-  // front the watch, if the layout has references.
+  // The properties in the order of the layout's slots, behind their head. They share the bodies of
+  // the layout until they get values; their own are made in the same memory.
   class TPropertyBlock {
    public:
     TPropertyBlock(const TPropertyLayout& layout, const boost::shared_ptr<TBlockPool>& memory);
@@ -80,9 +82,7 @@ class ZEL_API TCIMInstanceImpl : public TCIMElementImpl {
     TPropertyBlock& operator=(const TPropertyBlock&) = delete;
 
     TCIMProperty& operator[](std::size_t slot) const { return fProperties[slot]; }
-    TReferenceWatch* Watch() const {
-      return fHasWatch ? TReferenceWatch::Before(fProperties) : nullptr;
-    }
+    TPropertyHead& Head() const { return *TPropertyHead::Before(fProperties); }
 
    private:
     std::size_t MemorySize() const;
@@ -90,7 +90,6 @@ class ZEL_API TCIMInstanceImpl : public TCIMElementImpl {
     boost::shared_ptr<TBlockPool> fMemory;
     TCIMProperty* fProperties;
     std::uint32_t fSize;
-    bool fHasWatch;
   };
 
   bool HasPlainPath(const TPropertyLayout& current) const;

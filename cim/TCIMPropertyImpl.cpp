@@ -1,9 +1,10 @@
 #include "cim/TCIMPropertyImpl.h"
 
+#include <new>
 #include <utility>
 
 #include "cim/TCIMPropertyDeclImpl.h"
-#include "cim/TReferenceWatch.h"
+#include "cim/TPropertyHead.h"
 #include "zelcore/TCIMClass.h"
 #include "zelcore/detail/Fail.h"
 #include "zelcore/detail/TypeText.h"
@@ -32,12 +33,20 @@ TCIMPropertyImpl::TCIMPropertyImpl(TCIMProperty* owner, const TCIMPropertyImpl& 
   if (other.fPrevValue) SetPrevValue(*other.fPrevValue);
 }
 
+TCIMPropertyImpl* TCIMPropertyImpl::MakeOwn(TCIMProperty* owner) const {
+  void* const place = TPropertyHead::Before(owner - fSlot)->memory->Allocate(sizeof *this);
+  return new (place) TCIMPropertyImpl(owner, fDeclaration, fSlot);
+}
+
 void TCIMPropertyImpl::Release(TCIMPropertyImpl* body) {
-  if (body->fInBlock) {
-    body->~TCIMPropertyImpl();
-  } else {
+  if (body->IsShared()) return;
+  if (body->fSlot == kNoSlot) {
     delete body;
+    return;
   }
+  TBlockPool& memory = *TPropertyHead::Before(body->fOwner - body->fSlot)->memory;
+  body->~TCIMPropertyImpl();
+  memory.Release(body, sizeof *body);
 }
 
 void TCIMPropertyImpl::Take(TCIMPropertyImpl&& other) {
@@ -69,7 +78,7 @@ void TCIMPropertyImpl::ReplaceValue(TCIMValue&& value) {
 }
 
 void TCIMPropertyImpl::ReportChange() {
-  if (fWatchedSlot != kUnwatched) TReferenceWatch::Before(fOwner - fWatchedSlot)->Report();
+  if (fSlot != kNoSlot) TPropertyHead::Before(fOwner - fSlot)->watch.Report();
 }
 
 const TCIMValue& TCIMPropertyImpl::PrevValue() const { return fPrevValue ? *fPrevValue : Value(); }

@@ -12,17 +12,22 @@
 
 class ZEL_API TCIMPropertyImpl {
  public:
-  static constexpr std::uint32_t kUnwatched = 0xFFFFFFFF;
+  static constexpr std::uint32_t kNoSlot = 0xFFFFFFFF;
 
-  TCIMPropertyImpl(TCIMProperty* owner, const TCIMPropertyDecl* declaration, bool inBlock = false,
-                   std::uint32_t watchedSlot = kUnwatched)
-      : fOwner(owner), fDeclaration(declaration), fInBlock(inBlock), fWatchedSlot(watchedSlot) {}
+  // `slot` is that of the handle in an instance; without an owner, one that all instances of a class
+  // share for as long as there is no value.
+  TCIMPropertyImpl(TCIMProperty* owner, const TCIMPropertyDecl* declaration,
+                   std::uint32_t slot = kNoSlot)
+      : fOwner(owner), fDeclaration(declaration), fSlot(slot) {}
   // Checks the values of `other` against the declaration again.
   TCIMPropertyImpl(TCIMProperty* owner, const TCIMPropertyImpl& other);
   TCIMPropertyImpl(const TCIMPropertyImpl&) = delete;
   TCIMPropertyImpl& operator=(const TCIMPropertyImpl&) = delete;
 
-  // Ends a body, which is part of a block or was made by itself.
+  bool IsShared() const { return !fOwner; }
+  // One of the same declaration for `owner`, which shares this one until then.
+  TCIMPropertyImpl* MakeOwn(TCIMProperty* owner) const;
+  // Ends a body unless it is shared.
   static void Release(TCIMPropertyImpl* body);
   // Takes the declaration and the values of `other`.
   void Take(TCIMPropertyImpl&& other);
@@ -90,6 +95,5 @@ class ZEL_API TCIMPropertyImpl {
   TCIMValue fValue;
   std::unique_ptr<TCIMValue> fPrevValue;  // null: none was set
   bool fHasValue = false;                 // whether fValue counts
-  const bool fInBlock;               // part of an instance's block of properties, which frees it
-  const std::uint32_t fWatchedSlot;  // in a block with a TReferenceWatch; or kUnwatched
+  const std::uint32_t fSlot;  // of the handle in an instance; or kNoSlot
 };

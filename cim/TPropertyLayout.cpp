@@ -50,6 +50,13 @@ void TPropertyLayout::BuildIndex() {
 
 bool TPropertyLayout::IsCurrent() const { return fChanges == TSchemaChanges::Count(); }
 
+std::deque<TCIMPropertyImpl>& TPropertyLayout::SharedBodies() const {
+  for (std::size_t slot = fSharedBodies.size(); slot < fSlots.size(); ++slot) {
+    fSharedBodies.emplace_back(nullptr, fSlots[slot].decl.get(), static_cast<std::uint32_t>(slot));
+  }
+  return fSharedBodies;
+}
+
 std::uint32_t TPropertyLayout::Hash(std::string_view name) {
   std::uint32_t hash = 2166136261u;
   for (const char c : name) hash = (hash ^ static_cast<unsigned char>(ToAsciiLower(c))) * 16777619u;

@@ -4,12 +4,14 @@
 #include <boost/shared_ptr.hpp>
 #include <cstddef>
 #include <cstdint>
+#include <deque>
 #include <map>
 #include <string>
 #include <string_view>
 #include <vector>
 
 #include "cim/Names.h"
+#include "cim/TCIMPropertyImpl.h"
 #include "zelcore/TCIMPropertyDecl.h"
 
 // The property declarations of a class, keyed by the lower-case name.
@@ -34,6 +36,8 @@ class TPropertyLayout {
   TCIMValue::TCIMType Type(std::size_t slot) const {
     return IsCurrent() ? fSlots[slot].type : fSlots[slot].decl->GetType();
   }
+  // What properties without a value of their own share, by slot.
+  std::deque<TCIMPropertyImpl>& SharedBodies() const;
   // Without regard to case; `name` need not be valid. Quickest, in the spelling of the declaration,
   // for the name that was asked for last, and for those that were asked for behind it before.
   std::size_t Find(std::string_view name) const;
@@ -85,4 +89,5 @@ class TPropertyLayout {
   mutable bool fKeysFound = false;
   mutable std::vector<std::size_t> fKeySlots;
   mutable std::vector<TPathPart> fPathParts;
+  mutable std::deque<TCIMPropertyImpl> fSharedBodies;  // once there is an instance
 };

@@ -39,7 +39,7 @@ bool FindKey(const TCIMValue& value, std::uint32_t& key) {
 bool Refers(const TCIMInstanceImpl& instance, std::uint32_t key) {
   for (std::size_t slot = 0; slot < instance.Layout()->Size(); ++slot) {
     std::uint32_t found;
-    if (FindKey(instance.PropertyAt(slot).GetBody()->Value(), found) && found == key) return true;
+    if (FindKey(instance.PropertyAt(slot).GetShownBody().Value(), found) && found == key) return true;
   }
   return false;
 }
@@ -93,7 +93,7 @@ std::size_t TReferenceIndex::Enter(const TInstanceRegistry& associations, std::u
   NoteDeclarations(instance);
   const std::size_t before = fSize;
   for (std::size_t slot = 0; slot < instance.Layout()->Size(); ++slot) {
-    const TCIMPropertyImpl& property = *instance.PropertyAt(slot).GetBody();
+    const TCIMPropertyImpl& property = instance.PropertyAt(slot).GetShownBody();
     std::uint32_t key;
     if (!property.HasValue() || !FindKey(property.Value(), key)) continue;
     fReferrers[key].push_back(entry);

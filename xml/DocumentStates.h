@@ -83,7 +83,9 @@ class TCIMXMLParser::TStateIMethodCall : public TTableState {
 // object tells its own.
 class TCIMXMLParser::TObjectState : public TTableState, public IPathSlot {
  public:
-  using TTableState::TTableState;
+  explicit TObjectState(const TChildRule* children) : TTableState(children) {
+    fAwaited.known = true;
+  }
   void Hold(std::unique_ptr<TCIMClass> cls);
   void Hold(std::unique_ptr<TCIMInstance> instance);
   void EndElement(TCIMXMLParser& parser, std::string& name) override;

@@ -32,11 +32,17 @@ TCIMValue MakeArray(TCIMType type, unsigned int size, std::vector<TCIMValue>&& e
 
 void TCIMXMLParser::TStateInstance::HandleAttrs(TCIMXMLParser& parser,
                                                 const TAttributes& attributes) {
-  fClassName.clear();
-  for (const TAttribute& attribute : attributes) HandleClassName(attribute, fClassName);
+  std::string className;
+  for (const TAttribute& attribute : attributes) HandleClassName(attribute, className);
   TCIMClass* const cls =
-      LookUp("class", fClassName, [&] { return parser.fContainer.GetClass(fClassName); });
-  std::unique_ptr<TCIMInstance> instance(parser.fContainer.AllocateInstance(cls));
+      LookUp("class", className, [&] { return parser.fContainer.GetClass(className); });
+  parser.fClassMemo.Remember(className, *cls);
+  StartOfClass(parser, className, *cls);
+}
+
+void TCIMXMLParser::TStateInstance::StartOfClass(TCIMXMLParser& parser, std::string_view /*className*/,
+                                          TCIMClass& cls) {
+  std::unique_ptr<TCIMInstance> instance(parser.fContainer.AllocateInstance(&cls));
   fInstance = instance.get();
   fParent.Hold(std::move(instance));
 

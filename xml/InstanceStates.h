@@ -18,9 +18,11 @@ class TCIMXMLParser::TStateInstance : public TTableState, public IQualifierTarge
   explicit TStateInstance(TCIMXMLParser& parser)
       : TTableState(kChildren), fParent(parser.CurrentAs<TObjectState>()) {
     fAwaited.known = fAwaited.keptTags = true;
+    fIsOfClass = true;
   }
   static const TChildRule kChildren[];
   void HandleAttrs(TCIMXMLParser& parser, const TAttributes& attributes) override;
+  void StartOfClass(TCIMXMLParser& parser, std::string_view className, TCIMClass& cls) override;
   EKnown TakeKnown(TCIMXMLParser& parser, TAhead& ahead) override;
   ICIMAllowQualifiers* GetQualified() override { return nullptr; }
   const TCIMInstance& GetInstance() const { return *fInstance; }
@@ -55,7 +57,6 @@ class TCIMXMLParser::TStateInstance : public TTableState, public IQualifierTarge
   bool TakeArray(const TPropertyTag& known, TCIMProperty& property, TAhead& ahead);
 
   TObjectState& fParent;
-  std::string fClassName;
   const TCIMInstance* fInstance = nullptr;
   TCIMProperty* fProperties = nullptr;  // of it, by slot
   std::unordered_map<const TPropertyLayout*, TPropertyTags> fTagsOfClasses;

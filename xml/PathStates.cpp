@@ -29,11 +29,19 @@ void TCIMXMLParser::TStateClassName::HandleAttrs(TCIMXMLParser& parser,
 
 void TCIMXMLParser::TStateInstanceName::HandleAttrs(TCIMXMLParser& parser,
                                                     const TAttributes& attributes) {
-  fClassName.clear();
+  std::string className;
+  for (const TAttribute& attribute : attributes) HandleClassName(attribute, className);
+  TCIMClass* const cls = parser.fContainer.FindClass(className);
+  if (!cls) parser.FatalError("Couldn't find class name " + className);
+  parser.fClassMemo.Remember(className, *cls);
+  StartOfClass(parser, className, *cls);
+}
+
+void TCIMXMLParser::TStateInstanceName::StartOfClass(TCIMXMLParser& parser, std::string_view className,
+                                              TCIMClass& cls) {
+  fClassName = className;
+  fClass = &cls;
   fHasKeys = false;
-  for (const TAttribute& attribute : attributes) HandleClassName(attribute, fClassName);
-  fClass = parser.fContainer.FindClass(fClassName);
-  if (!fClass) parser.FatalError("Couldn't find class name " + fClassName);
   fReference.emplace(&parser.fContainer);
   fReference->SetClass(*fClass);
   fKeys = &fKeysOfClasses[fClass];

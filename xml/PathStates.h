@@ -100,9 +100,11 @@ class TCIMXMLParser::TStateInstanceName : public TTableState, public IKeySlot {
   explicit TStateInstanceName(TCIMXMLParser& parser)
       : TTableState(kChildren), fParent(parser.CurrentAs<IPathSlot>()) {
     fAwaited.known = fAwaited.keptTags = true;
+    fIsOfClass = true;
   }
   static const TChildRule kChildren[];
   void HandleAttrs(TCIMXMLParser& parser, const TAttributes& attributes) override;
+  void StartOfClass(TCIMXMLParser& parser, std::string_view className, TCIMClass& cls) override;
   EKnown TakeKnown(TCIMXMLParser& parser, TAhead& ahead) override;
   void EndElement(TCIMXMLParser& parser, std::string& name) override;
 
@@ -172,7 +174,9 @@ class TCIMXMLParser::TStateKeyValue : public TTableState {
 class TCIMXMLParser::TStateValueReference : public TTableState, public IPathSlot {
  public:
   explicit TStateValueReference(TCIMXMLParser& parser)
-      : TTableState(kChildren), fParent(parser.CurrentAs<IReferenceSlot>()) {}
+      : TTableState(kChildren), fParent(parser.CurrentAs<IReferenceSlot>()) {
+    fAwaited.known = true;
+  }
   static const TChildRule kChildren[];
   void TakeClassName(TCIMXMLParser& parser, const std::string& name) override;
   void TakeInstanceName(TCIMXMLParser& parser, TCIMReference&& name) override;

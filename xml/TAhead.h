@@ -8,6 +8,7 @@
 #include <emmintrin.h>
 #endif
 
+#include "zelcore/detail/Ascii.h"
 #include "zelcore/detail/SameText.h"
 
 // What stands ahead in a document that is read in place: a cursor for those who know what to
@@ -32,6 +33,12 @@ class TAhead {
   void Skip(std::size_t size) { fAt += size; }
   void TakeSpace() {
     while (*fAt == ' ' || *fAt == '\n' || *fAt == '\t' || *fAt == '\r') ++fAt;
+  }
+  // Passes over letters, digits and underscores.
+  std::string_view TakeName() {
+    const char* const name = fAt;
+    while (zelcore::detail::IsAsciiAlnum(*fAt) || *fAt == '_') ++fAt;
+    return {name, static_cast<std::size_t>(fAt - name)};
   }
   // Passes over text up to the next '<', '&' or NUL.
   [[gnu::always_inline]] std::string_view TakeText() {

@@ -6,6 +6,7 @@
 #include <string_view>
 #include <vector>
 
+#include "xml/TClassMemo.h"
 #include "xml/TGatheredText.h"
 #include "xml/TXmlParser.h"
 #include "zelcore/TCIMQualifierDecl.h"
@@ -163,6 +164,7 @@ class ZEL_API TCIMXMLParser : public TXmlParser {
   const std::unique_ptr<TParseState> fStart;  // each state owns those of its children
   std::vector<TParseState*> fStates;          // of the open elements
   TGatheredText fText;                        // of the current state's element
+  TClassMemo fClassMemo;                      // of instances and of references to them
   std::vector<TCIMClass*> fClassesCollected;
   bool fUX402Mode = false;
 };

@@ -36,10 +36,22 @@ TCIMXMLParser::EKnown TCIMXMLParser::TTableState::TakeKnown(TCIMXMLParser& parse
   if (!*fLastChild) return EKnown::kNothing;
   TParseState& child = **fLastChild;
   TAhead behind = ahead;
-  if (!behind.Take(child.fName) || !behind.Take(">")) return EKnown::kNothing;
+  if (!behind.Take(child.fName)) return EKnown::kNothing;
+  if (behind.Take(">")) {
+    ahead = behind;
+    Enter(parser, child);
+    child.HandleAttrs(parser, {});
+    return EKnown::kStartTag;
+  }
+  TAhead attribute = behind;
+  if (!child.fIsOfClass || !behind.Take(" CLASSNAME=\"")) return EKnown::kNothing;
+  const std::string_view className = behind.TakeName();
+  TCIMClass* const cls = parser.fClassMemo.Find(className);
+  if (!cls || !behind.Take("\">")) return EKnown::kNothing;
+  attribute.Put(" classname");
   ahead = behind;
   Enter(parser, child);
-  child.HandleAttrs(parser, {});
+  child.StartOfClass(parser, className, *cls);
   return EKnown::kStartTag;
 }
 

@@ -22,6 +22,8 @@ class TCIMXMLParser::TParseState {
   // Takes this state off the stack. Overriders finish their work first and call this last.
   virtual void EndElement(TCIMXMLParser& parser, std::string& name);
   virtual void HandleAttrs(TCIMXMLParser&, const TAttributes&) {}
+  // What HandleAttrs() does for nothing but the CLASSNAME of a class that is remembered.
+  virtual void StartOfClass(TCIMXMLParser&, std::string_view /*className*/, TCIMClass&) {}
   // The text of a child that is called fAwaited.leaf: what the child's state would do with it.
   virtual void TakeLeaf(TCIMXMLParser&, std::string_view /*text*/) {}
   // Starts or reads the child that stands `ahead`, if it is written as one before.
@@ -33,6 +35,7 @@ class TCIMXMLParser::TParseState {
 
  protected:
   TAwaited fAwaited{false, {}, false, false};
+  bool fIsOfClass = false;  // CLASSNAME is all that counts of its attributes
 
  private:
   friend class TCIMXMLParser;
@@ -56,7 +59,8 @@ class TCIMXMLParser::TTableState : public TParseState {
   static const TChildRule kNoChildren[];
   void StartElement(TCIMXMLParser& parser, std::string_view name,
                     const TAttributes& attributes) override;
-  // Knows the child before by its name, when it has no attributes.
+  // Knows the child before by its name, when it has no attributes, or names a class that has been
+  // met.
   EKnown TakeKnown(TCIMXMLParser& parser, TAhead& ahead) override;
 
  protected:

@@ -490,17 +490,26 @@ void TXmlParser::KeepTag(const char* name, const TAttributes& attributes) {
 inline bool TXmlParser::ParseContent(TOpenElements& open) {
   while (!open.IsEmpty()) {
     ReadCharData();
-    if (PeekChar() == '<' && ReadPlainLeaf()) continue;
-    if (!Take('<')) return Refuse("Unexpected character where element expected");
-    const char next = PeekChar();
-    if (next == '/') {
-      ++fPosition;
-      if (!ParseEndTag(open)) return false;
-      continue;
+    if (PeekChar() != '<') {
+      GetChar();
+      return Refuse("Unexpected character where element expected");
     }
-    Unget(next ? 1 : 2);  // sic: at the end of the buffer this is one byte before the '<'
-    if (next != '?' && next != '!') return true;
-    if (!(next == '?' ? ParseProcessingInstruction() : SkipComment())) return false;
+    if (ReadPlainLeaf()) continue;
+    switch (fPosition[1]) {
+      case '/':
+        fPosition += 2;
+        if (!ParseEndTag(open)) return false;
+        break;
+      case '?':
+        if (!ParseProcessingInstruction()) return false;
+        break;
+      case '!':
+        if (!SkipComment()) return false;
+        break;
+      case '\0': ++fPosition; Unget(2);  // sic: one byte before the '<'
+      [[fallthrough]];
+      default: return true;
+    }
   }
   return true;
 }

@@ -61,11 +61,14 @@ class ZEL_API TCIMProperty {
   bool operator==(const TCIMProperty& other) const;
   bool operator<(const TCIMProperty& other) const;
 
-  TCIMPropertyImpl* GetBody() const { return fBody; }
+  // The property's own body, made where there is none yet.
+  TCIMPropertyImpl* GetBody() const;
+  // To be read only: the properties of instances that have no value of their own may share it.
+  const TCIMPropertyImpl& GetShownBody() const { return *fBody; }
 
  private:
   friend class TCIMInstanceImpl;
-  explicit TCIMProperty(TCIMPropertyImpl* body) : fBody(body) {}
+  explicit TCIMProperty(TCIMPropertyImpl& shared) : fBody(&shared) {}
 
-  TCIMPropertyImpl* fBody;  // owned
+  mutable TCIMPropertyImpl* fBody;  // owned, unless it is shared
 };

@@ -7,7 +7,7 @@
 namespace zelcore::detail {
 
 // Whether two texts are the same bytes: for short ones, to which a call would be most of the work.
-inline bool IsSameText(std::string_view a, std::string_view b) {
+[[gnu::always_inline]] inline bool IsSameText(std::string_view a, std::string_view b) {
   if (a.size() != b.size()) return false;
   // The bits by which two blocks of a type differ.
   const auto differ = [&](auto block, std::size_t at) {
