@@ -21,13 +21,14 @@ class ScratchFile {
  public:
   explicit ScratchFile(const std::string& extension)
       : fPath("/tmp/zel-bench-" + std::to_string(getpid()) + extension) {}
-  ~ScratchFile() { unlink(fPath.c_str()); }
+  ~ScratchFile() { Remove(); }
   ScratchFile(const ScratchFile&) = delete;
   ScratchFile& operator=(const ScratchFile&) = delete;
 
   const std::string& GetPath() const { return fPath; }
+  void Remove() const { unlink(fPath.c_str()); }
   void Write(const TContainer& container, ECompression compression) const {
-    const int descriptor = open(fPath.c_str(), O_WRONLY | O_CREAT | O_TRUNC | O_CLOEXEC, 0600);
+    const int descriptor = open(fPath.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, 0600);
     TCIMXMLWriter(descriptor, compression).WriteContainer(container);
     close(descriptor);
   }
@@ -41,7 +42,10 @@ void Write(benchmark::State& state, const std::string& document, const std::stri
   TContainer container;
   container.PopulateContainerFromFile(bench::GetDocument(document));
   const ScratchFile file(extension);
-  for (auto round : state) bench::Time(state, [&] { file.Write(container, compression); });
+  for (auto round : state) {
+    file.Remove();  // to throw the former one away takes time, too
+    bench::Time(state, [&] { file.Write(container, compression); });
+  }
 }
 
 void Read(benchmark::State& state, const std::string& document, const std::string& extension,

@@ -1,7 +1,7 @@
 #include "cim/TCIMDateTimeImpl.h"
 
 #include <boost/make_shared.hpp>
-#include <charconv>
+#include <cassert>
 #include <cstdlib>
 #include <functional>
 #include <iterator>
@@ -90,20 +90,20 @@ class TDigits {
 // Puts texts together from parts and numbers, which are filled up with zeros to their widths.
 class TPrinter {
  public:
-  TPrinter() { fText.reserve(2 * kTextLength); }
-
   TPrinter& Add(std::string_view part) {
-    fText += part;
+    assert(part.size() <= sizeof fText - fSize);
+    part.copy(fText + fSize, part.size());
+    fSize += part.size();
     return *this;
   }
 
   TPrinter& Add(unsigned long number, std::size_t width) {
     char digits[20];
-    const char* const end = std::to_chars(digits, std::end(digits), number).ptr;
-    const std::size_t length = static_cast<std::size_t>(end - digits);
-    if (length < width) fText.append(width - length, '0');
-    fText.append(digits, length);
-    return *this;
+    char* first = std::end(digits);
+    for (; number != 0 || width != 0; number /= 10, width -= width != 0) {
+      *--first = static_cast<char>('0' + number % 10);
+    }
+    return Add({first, static_cast<std::size_t>(std::end(digits) - first)});
   }
 
   // "1 day " or "5 days "; nothing for 0.
@@ -112,10 +112,11 @@ class TPrinter {
     return Add(count, 1).Add(" ").Add(unit).Add(count == 1 ? " " : "s ");
   }
 
-  const std::string& Text() const { return fText; }
+  std::string Text() const { return {fText, fSize}; }
 
  private:
-  std::string fText;
+  char fText[128];  // the longest text, of a length of time in all its units, has 94 characters
+  std::size_t fSize = 0;
 };
 
 }  // namespace

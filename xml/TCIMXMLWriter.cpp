@@ -13,7 +13,6 @@
 #include "xml/TDocumentSink.h"
 #include "xml/XmlText.h"
 #include "zelcore/TCIMClass.h"
-#include "zelcore/TCIMDateTime.h"
 #include "zelcore/TCIMInstance.h"
 #include "zelcore/TCIMProperty.h"
 #include "zelcore/TCIMPropertyDecl.h"
@@ -27,11 +26,14 @@
 #include "zelcore/detail/TypeText.h"
 
 using zelcore::detail::CountKeys;
+using zelcore::detail::DateTimeTextOf;
 using zelcore::detail::DefaultOf;
 using zelcore::detail::Fail;
+using zelcore::detail::FetchAhead;
 using zelcore::detail::KeyAt;
 using zelcore::detail::LayoutOf;
 using zelcore::detail::LogCore;
+using zelcore::detail::PropertiesOf;
 using zelcore::detail::ReferenceOf;
 using zelcore::detail::Text;
 using zelcore::detail::TextOf;
@@ -130,22 +132,28 @@ class TDocument {
     Put("</CLASS></VALUE.OBJECT>\n");
   }
 
-  void WriteInstance(const TCIMInstance& instance) {
-    fOwner = instance.GetClass()->GetName();
-    Put("<VALUE.OBJECT><INSTANCE CLASSNAME=\"", fOwner, "\">\n");
-    if (LayoutOf(instance) != fLayout) Prepare(instance);
-    std::size_t slot = 0;
-    for (const TCIMProperty* property : instance.EnumerateProperties()) {
-      if (!property->GetPropagated()) WriteProperty(*property, fStartTags[slot]);
-      ++slot;
+  void WriteInstances(const std::vector<TCIMInstance*>& instances) {
+    for (std::size_t i = 0; i < instances.size(); ++i) {
+      FetchAhead(instances, i);
+      WriteInstance(*instances[i]);
     }
-    Put("</INSTANCE></VALUE.OBJECT>\n");
   }
 
  private:
   template <class... TParts>
   [[gnu::always_inline]] void Put(const TParts&... parts) {
     (fSink.Put(parts), ...);
+  }
+
+  void WriteInstance(const TCIMInstance& instance) {
+    fOwner = instance.GetClass()->GetName();
+    Put("<VALUE.OBJECT><INSTANCE CLASSNAME=\"", fOwner, "\">\n");
+    if (LayoutOf(instance) != fLayout) Prepare(instance);
+    const TCIMProperty* const properties = PropertiesOf(instance);
+    for (std::size_t slot = 0; slot < fStartTags.size(); ++slot) {
+      if (!properties[slot].GetPropagated()) WriteProperty(properties[slot], fStartTags[slot]);
+    }
+    Put("</INSTANCE></VALUE.OBJECT>\n");
   }
 
   void Warn(std::string_view what) {
@@ -348,12 +356,14 @@ class TDocument {
     Put(std::string_view(digits, static_cast<std::size_t>(end - digits)));
   }
 
-  void PutDateTime(const TCIMDateTime& value) {
+  void PutDateTime(const TCIMValue& value) {
     constexpr std::size_t kSize = 25;
-    constexpr unsigned int kMaxDays = 65535;
-    if (value.IsNull()) return Warn("a datetime that is not set is read as 1970-01-01");
-    const std::string text = value.ToString();
-    if (text.size() != kSize || (value.IsInterval() && value.GetDay() > kMaxDays)) {
+    constexpr std::size_t kKind = 21;
+    constexpr std::string_view kMaxDays = "00065535";
+    const std::string text = DateTimeTextOf(value);
+    if (text.empty()) return Warn("a datetime that is not set is read as 1970-01-01");
+    const bool hasForm = text.size() == kSize;
+    if (!hasForm || (text[kKind] == ':' && text.compare(0, kMaxDays.size(), kMaxDays) > 0)) {
       Warn("a datetime that does not fit its form is read as another");
     }
     Put(text);
@@ -435,9 +445,7 @@ void WriteDeclarations(TDocument& document, const TContainer& container, const T
 
 void WriteInstancesOf(TDocument& document, const std::vector<TCIMClass*>& classes) {
   for (const TCIMClass* cls : classes) {
-    for (const TCIMInstance* instance : cls->EnumerateInstances(false)) {
-      document.WriteInstance(*instance);
-    }
+    document.WriteInstances(cls->EnumerateInstances(false));
   }
 }
 
@@ -473,6 +481,6 @@ void TCIMXMLWriter::WriteClasses(const std::vector<TCIMClass*>& classes) {
 
 void TCIMXMLWriter::WriteInstances(const std::vector<TCIMInstance*>& instances) {
   TDocument document(fTarget, fCompression == ECompression::kGzip);
-  for (const TCIMInstance* instance : instances) document.WriteInstance(*instance);
+  document.WriteInstances(instances);
   document.Finish();
 }

@@ -2,6 +2,10 @@
 
 #include <array>
 
+#ifdef __SSE2__
+#include <emmintrin.h>
+#endif
+
 namespace {
 
 // How many bytes the character has that begins with the byte; 0 for what cannot stand as it is.
@@ -17,6 +21,27 @@ constexpr std::array<unsigned char, 256> MakeLengths() {
 }
 
 constexpr std::array<unsigned char, 256> kLengths = MakeLengths();
+
+// Over printable ASCII in which nothing need be escaped, as far as it can be seen at a glance.
+const char* SkipPlainBlocks(const char* at, [[maybe_unused]] const char* end) {
+#ifdef __SSE2__
+  constexpr std::ptrdiff_t kBlock = 16;
+  const auto isPlain = [](const char* from) {
+    const __m128i block = _mm_loadu_si128(reinterpret_cast<const __m128i*>(from));
+    const auto has = [&](char c) { return _mm_cmpeq_epi8(block, _mm_set1_epi8(c)); };
+    // As signed numbers, the bytes above ASCII are less than a blank, too.
+    const __m128i isOther = _mm_cmplt_epi8(block, _mm_set1_epi8(' '));
+    const __m128i isMarkup = _mm_or_si128(_mm_or_si128(has('<'), has('>')), has('&'));
+    return _mm_movemask_epi8(_mm_or_si128(isOther, isMarkup)) == 0;
+  };
+  if (end - at < kBlock) return at;
+  for (; end - at >= kBlock; at += kBlock) {
+    if (!isPlain(at)) return at;
+  }
+  if (isPlain(end - kBlock)) return end;
+#endif
+  return at;
+}
 
 unsigned int ByteAt(std::string_view text, std::size_t at) {
   return static_cast<unsigned char>(text[at]);
@@ -45,6 +70,7 @@ std::size_t CountPlain(std::string_view text) {
   const char* at = text.data();
   const char* const end = at + text.size();
   for (;;) {
+    at = SkipPlainBlocks(at, end);
     std::size_t length = 0;
     while (at != end && (length = kLengths[static_cast<unsigned char>(*at)]) == 1) ++at;
     const std::string_view rest(at, static_cast<std::size_t>(end - at));
