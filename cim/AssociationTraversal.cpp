@@ -23,9 +23,7 @@ using zelcore::detail::EqualsIgnoringAsciiCase;
 namespace {
 
 const TCIMValue& ValueOf(const TCIMPropertyDecl& decl) { return decl.GetBody()->Value(); }
-const TCIMValue& ValueOf(const TCIMProperty& property) {
-  return property.GetShownBody().Value();
-}
+const TCIMValue& ValueOf(const TCIMProperty& property) { return property.GetShownBody().Value(); }
 
 // Whether the value is a reference to `cls` or a subclass of it.
 bool RefersToSubclassOf(const TCIMValue& value, const TCIMClass& cls) {

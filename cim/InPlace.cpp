@@ -15,9 +15,7 @@ namespace zelcore::detail {
 
 static_assert(kNoSlot == TPropertyLayout::kNoSlot);
 
-const TCIMValue& ValueOf(const TCIMProperty& property) {
-  return property.GetShownBody().Value();
-}
+const TCIMValue& ValueOf(const TCIMProperty& property) { return property.GetShownBody().Value(); }
 const TCIMValue& DefaultOf(const TCIMPropertyDecl& decl) { return decl.GetBody()->Value(); }
 std::string_view TextOf(const TCIMValue& value) {
   return TCIMStringValueImpl::ValueOf(value).View();

@@ -10,8 +10,8 @@
 
 #include "cim/TBlockPool.h"
 #include "cim/TCIMElementImpl.h"
-#include "cim/TPropertyLayout.h"
 #include "cim/TPropertyHead.h"
+#include "cim/TPropertyLayout.h"
 #include "zelcore/TCIMProperty.h"
 #include "zelcore/TCIMReference.h"
 #include "zelcore/detail/Export.h"

@@ -14,8 +14,8 @@ class ZEL_API TCIMPropertyImpl {
  public:
   static constexpr std::uint32_t kNoSlot = 0xFFFFFFFF;
 
-  // `slot` is that of the handle in an instance; without an owner, one that all instances of a class
-  // share for as long as there is no value.
+  // `slot` is that of the handle in an instance; without an owner, one that all instances of a
+  // class share for as long as there is no value.
   TCIMPropertyImpl(TCIMProperty* owner, const TCIMPropertyDecl* declaration,
                    std::uint32_t slot = kNoSlot)
       : fOwner(owner), fDeclaration(declaration), fSlot(slot) {}
@@ -95,5 +95,5 @@ class ZEL_API TCIMPropertyImpl {
   TCIMValue fValue;
   std::unique_ptr<TCIMValue> fPrevValue;  // null: none was set
   bool fHasValue = false;                 // whether fValue counts
-  const std::uint32_t fSlot;  // of the handle in an instance; or kNoSlot
+  const std::uint32_t fSlot;              // of the handle in an instance; or kNoSlot
 };

@@ -39,7 +39,8 @@ bool FindKey(const TCIMValue& value, std::uint32_t& key) {
 bool Refers(const TCIMInstanceImpl& instance, std::uint32_t key) {
   for (std::size_t slot = 0; slot < instance.Layout()->Size(); ++slot) {
     std::uint32_t found;
-    if (FindKey(instance.PropertyAt(slot).GetShownBody().Value(), found) && found == key) return true;
+    if (FindKey(instance.PropertyAt(slot).GetShownBody().Value(), found) && found == key)
+      return true;
   }
   return false;
 }

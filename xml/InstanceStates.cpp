@@ -10,8 +10,8 @@ using zelcore::detail::CountSlots;
 using zelcore::detail::FindSlot;
 using zelcore::detail::kNoSlot;
 using zelcore::detail::LayoutOf;
-using zelcore::detail::SetFromText;
 using zelcore::detail::PropertiesOf;
+using zelcore::detail::SetFromText;
 using zelcore::detail::TypeAt;
 
 using TCIMType = TCIMValue::TCIMType;
@@ -40,8 +40,8 @@ void TCIMXMLParser::TStateInstance::HandleAttrs(TCIMXMLParser& parser,
   StartOfClass(parser, className, *cls);
 }
 
-void TCIMXMLParser::TStateInstance::StartOfClass(TCIMXMLParser& parser, std::string_view /*className*/,
-                                          TCIMClass& cls) {
+void TCIMXMLParser::TStateInstance::StartOfClass(TCIMXMLParser& parser,
+                                                 std::string_view /*className*/, TCIMClass& cls) {
   std::unique_ptr<TCIMInstance> instance(parser.fContainer.AllocateInstance(&cls));
   fInstance = instance.get();
   fParent.Hold(std::move(instance));
@@ -94,7 +94,7 @@ TCIMXMLParser::TStateInstance::TPropertyTag* TCIMXMLParser::TStateInstance::Find
 // Takes the property that begins with the tag, if it is one value or one array of them, and all of
 // it is right.
 bool TCIMXMLParser::TStateInstance::TakeProperty(const TPropertyTag& known, TAhead& ahead) {
-  if (known.isArray != known.type.IsArray()) return false;
+  if (!known.isUsual || known.isArray != known.type.IsArray()) return false;
   TAhead behind = ahead;
   behind.Skip(known.tag.text.size());
   TCIMProperty& property = GetProperty(SlotOf(known));
@@ -138,6 +138,7 @@ void TCIMXMLParser::TStateInstance::Remember(const TKnownTag& tag, std::size_t s
     known.tag = tag;
     known.state = &property;
     known.isArray = property.IsArray();
+    known.isUsual = IsTagOf(known.isArray ? "PROPERTY.ARRAY" : "PROPERTY", tag.text);
     known.type = property.GetType();
     known.arraySize = property.GetArraySize();
   }

@@ -36,6 +36,7 @@ class TCIMXMLParser::TStateInstance : public TTableState, public IQualifierTarge
     TKnownTag tag;                    // without text: none has been read
     TStateProperty* state = nullptr;  // kept: no instance stands deep enough for another rule
     bool isArray = false;             // what its element is for, as its declaration
+    bool isUsual = false;             // its element is spelled in capitals
     TCIMValue::TCIMType type = TCIMValue::TCIMType::TypeNone;  // declared
     unsigned int arraySize = 0;
     // The slot of the property that is expected behind it.
@@ -60,8 +61,8 @@ class TCIMXMLParser::TStateInstance : public TTableState, public IQualifierTarge
   const TCIMInstance* fInstance = nullptr;
   TCIMProperty* fProperties = nullptr;  // of it, by slot
   std::unordered_map<const TPropertyLayout*, TPropertyTags> fTagsOfClasses;
-  TPropertyTags* fTags = nullptr;    // of this instance's class
-  std::size_t* fExpected = nullptr;  // the slot of the next property, in fTags
+  TPropertyTags* fTags = nullptr;           // of this instance's class
+  std::size_t* fExpected = nullptr;         // the slot of the next property, in fTags
   std::vector<std::string_view> fElements;  // of the array that is being read
 };
 

@@ -7,6 +7,9 @@
 #include "zelcore/TContainer.h"
 #include "zelcore/detail/InPlace.h"
 
+using zelcore::detail::BindKey;
+using zelcore::detail::Text;
+
 void TCIMXMLParser::TStateLocalNamespacePath::StartElement(TCIMXMLParser& parser,
                                                            std::string_view name,
                                                            const TAttributes& attributes) {
@@ -37,8 +40,8 @@ void TCIMXMLParser::TStateInstanceName::HandleAttrs(TCIMXMLParser& parser,
   StartOfClass(parser, className, *cls);
 }
 
-void TCIMXMLParser::TStateInstanceName::StartOfClass(TCIMXMLParser& parser, std::string_view className,
-                                              TCIMClass& cls) {
+void TCIMXMLParser::TStateInstanceName::StartOfClass(TCIMXMLParser& parser,
+                                                     std::string_view className, TCIMClass& cls) {
   fClassName = className;
   fClass = &cls;
   fHasKeys = false;
@@ -48,12 +51,10 @@ void TCIMXMLParser::TStateInstanceName::StartOfClass(TCIMXMLParser& parser, std:
   fExpected = 0;
 }
 
-// All of the key, or nothing: a state of its own may be too deep to be kept, or to be opened.
-TCIMXMLParser::EKnown TCIMXMLParser::TStateInstanceName::TakeKnown(TCIMXMLParser& parser,
-                                                                   TAhead& ahead) {
-  if (fExpected >= fKeys->size() || parser.fStates.size() + 1 >= kMaxOpenStates) {
-    return EKnown::kNothing;
-  }
+// All of the key, or nothing. Where no more states may be opened, this one has not been kept from
+// an element before, and knows nothing.
+TCIMXMLParser::EKnown TCIMXMLParser::TStateInstanceName::TakeKnown(TCIMXMLParser&, TAhead& ahead) {
+  if (fExpected >= fKeys->size()) return EKnown::kNothing;
   const TKnownKey& key = (*fKeys)[fExpected];
   TAhead behind = ahead;
   if (!behind.Take(key.tags.text)) return EKnown::kNothing;
@@ -95,7 +96,7 @@ bool TCIMXMLParser::TStateInstanceName::HasKey(const std::string& name) const {
 }
 
 void TCIMXMLParser::TStateInstanceName::Bind(const TCIMPropertyDecl& decl, TCIMValue&& value) {
-  zelcore::detail::BindKey(*fReference, decl, std::move(value));
+  BindKey(*fReference, decl, std::move(value));
   fHasKeys = true;
 }
 
@@ -120,12 +121,12 @@ void TCIMXMLParser::TStateKeyBinding::HandleAttrs(TCIMXMLParser& parser,
 
 void TCIMXMLParser::TStateKeyBinding::TakeLeaf(TCIMXMLParser& parser, std::string_view text) {
   TakeKeyText(parser, text);
-  const bool isPlain = parser.GetTag().text.empty();
-  static const TKnownTag kPlain{"KEYVALUE>", "KEYVALUE>"};
-  const TKnownTag& value = isPlain ? kPlain : parser.GetTag();
-  if (fTag.text.empty()) return;
-  fTags.text = fTag.text + "<" + value.text;
-  fTags.read = fTag.read + "<" + value.read;
+  if (!IsTagOf("KEYBINDING", fTag.text)) return;
+  const TKnownTag& value = parser.GetTag();
+  const bool isPlain = value.text.empty();
+  constexpr std::string_view kPlain = "KEYVALUE>";
+  fTags.text = Text(fTag.text, "<", isPlain ? kPlain : value.text);
+  fTags.read = Text(fTag.read, "<", isPlain ? kPlain : value.read);
 }
 
 void TCIMXMLParser::TStateKeyBinding::TakeKeyText(TCIMXMLParser& parser, std::string_view text) {

@@ -112,7 +112,11 @@ void TCIMXMLParser::Leaf(std::string_view text) {
 }
 
 TCIMXMLParser::EKnown TCIMXMLParser::TakeKnown(TAhead& ahead) {
-  return fStates.back()->TakeKnown(*this, ahead);
+  try {
+    return fStates.back()->TakeKnown(*this, ahead);
+  } catch (const TZELException& failure) {
+    PassOn(failure);
+  }
 }
 
 void TCIMXMLParser::processingInstruction(const char*, const char*) {}

@@ -31,8 +31,7 @@ void TCIMXMLParser::TTableState::StartElement(TCIMXMLParser& parser, std::string
   child.HandleAttrs(parser, attributes);
 }
 
-TCIMXMLParser::EKnown TCIMXMLParser::TTableState::TakeKnown(TCIMXMLParser& parser,
-                                                            TAhead& ahead) {
+TCIMXMLParser::EKnown TCIMXMLParser::TTableState::TakeKnown(TCIMXMLParser& parser, TAhead& ahead) {
   if (!*fLastChild) return EKnown::kNothing;
   TParseState& child = **fLastChild;
   TAhead behind = ahead;

@@ -458,6 +458,11 @@ void TXmlParser::KeepTag(const char* name, const TAttributes& attributes) {
   }
 }
 
+bool TXmlParser::IsTagOf(std::string_view name, std::string_view text) {
+  return text.size() > name.size() && IsSameText(text.substr(0, name.size()), name) &&
+         !Is(text[name.size()], kInName);
+}
+
 // attribute := name '=' ('"' value '"' | "'" value "'")
 [[gnu::always_inline]] inline bool TXmlParser::ParseAttribute(TAttributeList& attributes) {
   char* const name = fPosition;
@@ -506,8 +511,10 @@ inline bool TXmlParser::ParseContent(TOpenElements& open) {
       case '!':
         if (!SkipComment()) return false;
         break;
-      case '\0': ++fPosition; Unget(2);  // sic: one byte before the '<'
-      [[fallthrough]];
+      case '\0':
+        ++fPosition;
+        Unget(2);  // sic: one byte before the '<'
+        [[fallthrough]];
       default: return true;
     }
   }

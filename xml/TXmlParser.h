@@ -85,6 +85,8 @@ class ZEL_API TXmlParser {
   };
   // The tag that StartTag(), or Leaf(), is told of, where tags are to be kept.
   const TKnownTag& GetTag() const { return fTag; }
+  // Whether the text of a tag begins with this name, spelled like this.
+  static bool IsTagOf(std::string_view name, std::string_view text);
 
   enum class EKnown {
     kNothing,   // nothing has been taken, nor changed

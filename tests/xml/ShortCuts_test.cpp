@@ -106,14 +106,16 @@ class TDocuments {
   void AddMeal() {
     Add({Tag("INSTANCE CLASSNAME=\"Zoo_Eats\"")});
     for (const char* role : {"Eater", "Eaten"}) {
+      const std::string binding = Often() ? "KEYBINDING" : "keybinding";
       Add({Tag("PROPERTY.REFERENCE NAME=\"" + std::string(role) +
                "\" REFERENCECLASS=\"Zoo_Animal\""),
            Tag("VALUE.REFERENCE"), Tag("INSTANCENAME CLASSNAME=\"Zoo_Animal\""),
-           Tag("KEYBINDING NAME=\"" + OneOf({"Name", "Name", "name", "Legs"}) + "\""),
+           Tag(binding + " NAME=\"" + OneOf({"Name", "Name", "name", "Legs"}) + "\""),
            Tag(OneOf({"KEYVALUE VALUETYPE=\"string\"", "KEYVALUE", "keyvalue\nvaluetype='x'"}))});
       AddText("animal" + std::to_string(Below(1000000)));
-      Add({Other("</" + std::string(fPieces[fPieces.size() - 2].text, 1, 8) +
-                 "></KEYBINDING></INSTANCENAME></VALUE.REFERENCE></PROPERTY.REFERENCE>")});
+      Add({Other("</" + std::string(fPieces[fPieces.size() - 2].text, 1, 8) + "></" +
+                 (Rarely() ? "KEYBINDING" : binding) +
+                 "></INSTANCENAME></VALUE.REFERENCE></PROPERTY.REFERENCE>")});
     }
     Add({Other("</INSTANCE>")});
   }
@@ -132,17 +134,23 @@ class TDocuments {
     if (Rarely()) return Add({Other("<" + element + Attributes(name, type) + "/>\n")});
     Add({Tag(element + Attributes(name, type))});
     for (unsigned int count = Rarely() ? Below(3) : 1; count > 0; --count) AddValue(value);
-    Add({Other("</" + element + ">\n ")});
+    Add({Other("</" + EndOf(element) + ">\n ")});
+  }
+
+  // Mostly of the same element.
+  std::string EndOf(const std::string& element) {
+    return Rarely() ? OneOf({"PROPERTY", "property", "PROPERTY.ARRAY", "Property"}) : element;
   }
 
   void AddArray(const std::string& name, const std::string& type) {
-    Add({Tag("PROPERTY.ARRAY" + Attributes(name, type))});
+    const std::string element = Often() ? "PROPERTY.ARRAY" : "property.array";
+    Add({Tag(element + Attributes(name, type))});
     for (unsigned int count = Rarely() ? Below(3) : 1; count > 0; --count) {
       Add({Tag("VALUE.ARRAY")});
       for (unsigned int values = Below(4); values > 0; --values) AddValue(std::to_string(values));
       Add({Other("</VALUE.ARRAY>")});
     }
-    Add({Other("</PROPERTY.ARRAY>")});
+    Add({Other("</" + EndOf(element) + ">")});
   }
 
   void AddValue(const std::string& value) {
@@ -229,6 +237,54 @@ TEST(ShortCuts, AreTakenForInstancesThatAreWrittenAlike) {
               testing::ElementsAre("CIM", "DECLARATION", "DECLGROUP", "VALUE.OBJECT", "INSTANCE",
                                    "PROPERTY", "PROPERTY.ARRAY", "VALUE.ARRAY"));
   EXPECT_EQ(instances, zoo.Paths("Zoo_Animal").size());
+}
+
+// An end tag is compared byte for byte with its start tag, also where that is known.
+TEST(ShortCuts, TakeNoEndTagInOtherLetters) {
+  const auto animal = [](const std::string& element, const std::string& end, int number) {
+    return "<VALUE.OBJECT>" +
+           InstanceOf("Zoo_Animal", "<" + element + " NAME=\"Name\"><VALUE>" +
+                                        std::to_string(number) + "</VALUE></" + end + ">") +
+           "</VALUE.OBJECT>";
+  };
+  const auto tagged = [](const std::string& element, const std::string& end, int number) {
+    return "<VALUE.OBJECT>" +
+           InstanceOf("Zoo_Animal",
+                      "<PROPERTY NAME=\"Name\"><VALUE>" + std::to_string(number) +
+                          "</VALUE></PROPERTY><" + element +
+                          " NAME=\"Tags\"><VALUE.ARRAY><VALUE>t</VALUE></VALUE.ARRAY></" + end +
+                          ">") +
+           "</VALUE.OBJECT>";
+  };
+  const auto meal = [](const std::string& element, const std::string& end, int number) {
+    std::string ends;
+    for (const char* role : {"Eater", "Eaten"}) {
+      ends += "<PROPERTY.REFERENCE NAME=\"" + std::string(role) +
+              "\"><VALUE.REFERENCE><INSTANCENAME CLASSNAME=\"Zoo_Animal\"><" + element +
+              " NAME=\"Name\"><KEYVALUE>" + std::to_string(number) + "</KEYVALUE></" + end +
+              "></INSTANCENAME></VALUE.REFERENCE></PROPERTY.REFERENCE>";
+    }
+    return "<VALUE.OBJECT>" + InstanceOf("Zoo_Eats", ends) + "</VALUE.OBJECT>";
+  };
+  const auto expectRefused = [](auto make, const std::string& element, const std::string& end) {
+    Zoo zoo;
+    EXPECT_EQ("zelStatusOK", zoo.ReadGroup(make(element, element, 1) + make(element, element, 2)));
+    EXPECT_EQ("zelStatusInvalidSpecificationDocument",
+              zoo.ReadGroup(make(element, element, 3) + make(element, element, 4) +
+                            make(element, end, 5)));
+  };
+  for (const auto& [element, end] : {
+           std::pair("property", "PROPERTY"),
+           {"Property", "PROPERTY"},
+           {"PROPERTY", "property"},
+           {"PROPERTY", "PROPERT" }
+  }) {
+    expectRefused(animal, element, end);
+  }
+  expectRefused(tagged, "property.array", "PROPERTY.ARRAY");
+  expectRefused(tagged, "PROPERTY.ARRAY", "PROPERTY");
+  expectRefused(meal, "keybinding", "KEYBINDING");
+  expectRefused(meal, "KEYBINDING", "keybinding");
 }
 
 TEST(ShortCuts, KeepTheSizeThatATagGives) {

@@ -28,8 +28,9 @@ const TCIMReference& ReferenceOf(const TCIMValue& value);
 // As TCIMDateTime::ToString(), of a datetime that is not NULL; "" for one that is not set.
 std::string DateTimeTextOf(const TCIMValue& value);
 
-// Asks for the memory of the instances behind the one at `place`, which are to be looked at next. In
-// their order they are all over the memory: without this, most of the time passes waiting for it.
+// Asks for the memory of the instances behind the one at `place`, which are to be looked at next.
+// In their order they are all over the memory: without this, most of the time passes waiting for
+// it.
 void FetchAhead(const std::vector<TCIMInstance*>& instances, std::size_t place);
 
 // The keys of a path, in their order.
@@ -59,7 +60,8 @@ TCIMValue::TCIMType TypeAt(const TPropertyLayout& layout, std::size_t slot);
 // is a value already, and for references, arrays and datetimes that are bad.
 bool SetFromText(TCIMProperty& property, TCIMValue::TCIMType type, std::string_view text);
 
-// Binds a key by the name of `decl`, which is that of the path's class. Throws as AddKeyValue() does.
+// Binds a key by the name of `decl`, which is that of the path's class. Throws as AddKeyValue()
+// does.
 void BindKey(TCIMReference& path, const TCIMPropertyDecl& decl, TCIMValue&& value);
 
 }  // namespace zelcore::detail
