@@ -7,11 +7,9 @@
 #include <iterator>
 #include <string_view>
 
-#include "zelcore/detail/Ascii.h"
 #include "zelcore/detail/Fail.h"
 
 using zelcore::detail::Fail;
-using zelcore::detail::IsAsciiDigit;
 
 namespace {
 

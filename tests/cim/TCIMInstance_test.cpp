@@ -5,6 +5,7 @@
 #include <memory>
 
 #include "cim/TCIMInstanceImpl.h"
+#include "cim/TCIMPropertyImpl.h"
 #include "tests/cim/Schema.h"
 #include "tests/support/LogSpy.h"
 #include "tests/support/Status.h"
@@ -44,6 +45,41 @@ TEST_F(TCIMInstanceTest, HasAPropertyForEachDeclaration) {
     EXPECT_TRUE(property->GetPropagated());
   }
   EXPECT_EQ(TCIMValue(5u), fan->GetProperty("Speed")->GetValue());
+}
+
+// Properties without a value of their own may look at the same body, but never change it.
+TEST_F(TCIMInstanceTest, SharesNoValueWithAnother) {
+  const std::unique_ptr<TCIMInstance> fan = fSchema.Instance(fFan);
+  const std::unique_ptr<TCIMInstance> other = fSchema.Instance(fFan);
+  TCIMProperty& speed = *fan->GetProperty("Speed");
+  EXPECT_EQ("zelStatusTypeMismatch", StatusOf([&] { speed.SetValue(TCIMValue("fast")); }));
+  EXPECT_TRUE(speed.GetPropagated());
+  speed.SetValue(TCIMValue(7u));
+  EXPECT_FALSE(speed.GetPropagated());
+  EXPECT_TRUE(other->GetProperty("Speed")->GetPropagated());
+  EXPECT_EQ(TCIMValue(5u), other->GetProperty("Speed")->GetValue());
+  EXPECT_TRUE(fSchema.Instance(fFan)->GetProperty("Speed")->GetPropagated());
+
+  fan->GetProperty("Name")->SetPrevValue(TCIMValue("before"));
+  EXPECT_TRUE(fan->GetProperty("Name")->IsPrevValueDifferent());
+  EXPECT_TRUE(fan->GetProperty("Name")->GetPropagated());
+  EXPECT_FALSE(other->GetProperty("Name")->IsPrevValueDifferent());
+}
+
+TEST_F(TCIMInstanceTest, HasABodyOfItsOwnForEachProperty) {
+  const std::unique_ptr<TCIMInstance> fan = fSchema.Instance(fFan);
+  const std::unique_ptr<TCIMInstance> other = fSchema.Instance(fFan);
+  for (const TCIMProperty* property : fan->EnumerateProperties()) {
+    TCIMPropertyImpl* const body = property->GetBody();
+    EXPECT_EQ(property, body->GetOwner());
+    EXPECT_EQ(body, property->GetBody());
+    EXPECT_EQ(body, &property->GetShownBody());
+    EXPECT_TRUE(property->GetPropagated());
+    EXPECT_NE(body, other->FindProperty(property->GetName())->GetBody());
+  }
+  fSpeed.SetValue(TCIMValue(6u));
+  EXPECT_EQ(TCIMValue(6u), fan->GetProperty("Speed")->GetValue());
+  EXPECT_EQ(TCIMValue(6u), fSchema.Instance(fFan)->GetProperty("Speed")->GetValue());
 }
 
 TEST_F(TCIMInstanceTest, KeepsTheDeclarationsItWasMadeWith) {
