@@ -3,6 +3,7 @@
 #include <iterator>
 #include <memory>
 
+#include "xml/References.h"
 #include "zelcore/TContainer.h"
 #include "zelcore/detail/InPlace.h"
 
@@ -20,6 +21,13 @@ namespace {
 
 TCIMType ElementOf(TCIMType type) {
   return static_cast<TCIMType::ECIMType>(type & ~TCIMType::TypeArray);
+}
+
+// Whether the text can be decoded, and `use` is content with it.
+template <class TUse>
+bool WithDecoded(const TAhead::TText& text, std::string& decoded, TUse&& use) {
+  if (!text.hasReferences) return use(text.raw);
+  return zelcore::detail::DecodeReferences(text.raw, decoded) && use(std::string_view(decoded));
 }
 
 TCIMValue MakeArray(TCIMType type, unsigned int size, std::vector<TCIMValue>&& elements) {
@@ -109,8 +117,10 @@ bool TCIMXMLParser::TStateInstance::TakeProperty(const TPropertyTag& known, TAhe
 bool TCIMXMLParser::TStateInstance::TakeScalar(const TPropertyTag& known, TCIMProperty& property,
                                                TAhead& ahead) {
   if (!ahead.Take("<VALUE>")) return false;
-  const std::string_view text = ahead.TakeText();
-  return ahead.Take("</VALUE></PROPERTY>") && SetFromText(property, known.type, text);
+  const TAhead::TText text = ahead.TakeText();
+  return ahead.Take("</VALUE></PROPERTY>") && WithDecoded(text, fDecoded, [&](auto decoded) {
+           return SetFromText(property, known.type, decoded);
+         });
 }
 
 bool TCIMXMLParser::TStateInstance::TakeArray(const TPropertyTag& known, TCIMProperty& property,
@@ -125,7 +135,8 @@ bool TCIMXMLParser::TStateInstance::TakeArray(const TPropertyTag& known, TCIMPro
   if (!ahead.Take("</VALUE.ARRAY></PROPERTY.ARRAY>")) return false;
   std::vector<TCIMValue> elements(fElements.size());
   for (std::size_t i = 0; i < elements.size(); ++i) {
-    if (!elements[i].SetFromText(type, fElements[i])) return false;
+    const auto set = [&](auto decoded) { return elements[i].SetFromText(type, decoded); };
+    if (!WithDecoded(fElements[i], fDecoded, set)) return false;
   }
   property.SetValue(MakeArray(type, known.arraySize, std::move(elements)));
   return true;

@@ -54,16 +54,17 @@ class TCIMXMLParser::TStateInstance : public TTableState, public IQualifierTarge
   }
   TPropertyTag* FindKnown(const TAhead& ahead);
   bool TakeProperty(const TPropertyTag& known, TAhead& ahead);
-  static bool TakeScalar(const TPropertyTag& known, TCIMProperty& property, TAhead& ahead);
+  bool TakeScalar(const TPropertyTag& known, TCIMProperty& property, TAhead& ahead);
   bool TakeArray(const TPropertyTag& known, TCIMProperty& property, TAhead& ahead);
 
   TObjectState& fParent;
   const TCIMInstance* fInstance = nullptr;
   TCIMProperty* fProperties = nullptr;  // of it, by slot
   std::unordered_map<const TPropertyLayout*, TPropertyTags> fTagsOfClasses;
-  TPropertyTags* fTags = nullptr;           // of this instance's class
-  std::size_t* fExpected = nullptr;         // the slot of the next property, in fTags
-  std::vector<std::string_view> fElements;  // of the array that is being read
+  TPropertyTags* fTags = nullptr;        // of this instance's class
+  std::size_t* fExpected = nullptr;      // the slot of the next property, in fTags
+  std::vector<TAhead::TText> fElements;  // of the array that is being read
+  std::string fDecoded;
 };
 
 class TCIMXMLParser::TStateProperty : public TTableState,

@@ -58,9 +58,10 @@ TCIMXMLParser::EKnown TCIMXMLParser::TStateInstanceName::TakeKnown(TCIMXMLParser
   const TKnownKey& key = (*fKeys)[fExpected];
   TAhead behind = ahead;
   if (!behind.Take(key.tags.text)) return EKnown::kNothing;
-  const std::string_view text = behind.TakeText();
+  const TAhead::TText text = behind.TakeText();
   TCIMValue value;
-  if (!behind.Take("</KEYVALUE></KEYBINDING>") || !value.SetFromText(key.type, text)) {
+  if (text.hasReferences || !behind.Take("</KEYVALUE></KEYBINDING>") ||
+      !value.SetFromText(key.type, text.raw)) {
     return EKnown::kNothing;
   }
   Bind(*key.decl, std::move(value));

@@ -40,11 +40,20 @@ class TAhead {
     while (zelcore::detail::IsAsciiAlnum(*fAt) || *fAt == '_') ++fAt;
     return {name, static_cast<std::size_t>(fAt - name)};
   }
-  // Passes over text up to the next '<', '&' or NUL.
-  [[gnu::always_inline]] std::string_view TakeText() {
+  // Passes over text up to the next '<' or NUL.
+  struct TText {
+    std::string_view raw;
+    bool hasReferences;  // it must be decoded
+  };
+  [[gnu::always_inline]] TText TakeText() {
     char* const text = fAt;
     fAt = FindTextEnd(text, fEnd);
-    return {text, static_cast<std::size_t>(fAt - text)};
+    const bool hasReferences = *fAt == '&';
+    while (*fAt == '&') fAt = FindTextEnd(fAt + 1, fEnd);
+    return {
+        {text, static_cast<std::size_t>(fAt - text)},
+        hasReferences
+    };
   }
   // Writes over what stands here, and passes over it.
   void Put(std::string_view markup) {

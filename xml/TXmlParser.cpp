@@ -7,6 +7,7 @@
 #include <set>
 #include <utility>
 
+#include "xml/References.h"
 #include "zelcore/detail/Ascii.h"
 #include "zelcore/detail/SameText.h"
 
@@ -18,6 +19,7 @@
 using zelcore::detail::IsAsciiDigit;
 using zelcore::detail::IsAsciiLetter;
 using zelcore::detail::IsSameText;
+using zelcore::detail::ReadNamedReference;
 using zelcore::detail::ToAsciiLower;
 
 namespace {
@@ -80,33 +82,6 @@ unsigned int CountLineFeeds(const char* begin, const char* end) {
     ++count;
   }
   return count;
-}
-
-struct TEntity {
-  std::string_view name;
-  char byte;
-};
-
-constexpr TEntity kEntities[] = {
-    {"amp;",  '&' },
-    {"apos;", '\''},
-    {"gt;",   '>' },
-    {"lt;",   '<' },
-    {"quot;", '"' },
-};
-
-// How much of `name` stands at `text`, in any case of letters.
-std::size_t CountCommon(const char* text, std::string_view name) {
-  std::size_t count = 0;
-  while (count < name.size() && ToAsciiLower(text[count]) == name[count]) ++count;
-  return count;
-}
-
-// 16 for what is no hexadecimal digit.
-int DigitValue(char c) {
-  if (IsAsciiDigit(c)) return c - '0';
-  const char lower = ToAsciiLower(c);
-  return lower >= 'a' && lower <= 'f' ? lower - 'a' + 10 : 16;
 }
 
 }  // namespace
@@ -557,39 +532,26 @@ inline bool TXmlParser::ParseContent(TOpenElements& open) {
 bool TXmlParser::ParseReference() {
   GetChar();
   if (PeekChar() == '#') return ParseNumericReference();
-  std::size_t most = 0;
-  for (const TEntity& entity : kEntities) {
-    const std::size_t common = CountCommon(fPosition, entity.name);
-    if (common == entity.name.size()) {
-      fPosition += common;
-      return Report(entity.byte);
-    }
-    most = std::max(most, common);
-  }
-  // What could have begun one is read, and the byte behind.
-  fPosition += most;
-  GetChar();
+  const zelcore::detail::TNamedReference reference = ReadNamedReference(fPosition);
+  fPosition += reference.size;
+  if (reference.isWhole) return Report(reference.byte);
+  GetChar();  // sic: the byte behind what could have begun one is read, too
   FatalError("Unknown entity reference");
   return false;
 }
 
-// number := '#' digit+ | '#x' hexDigit+      sic: the code modulo 256 is the byte reported.
+// number := '#' digit+ | '#x' hexDigit+
 bool TXmlParser::ParseNumericReference() {
   GetChar();
   const bool isHex = ToAsciiLower(PeekChar()) == 'x';
   if (isHex) GetChar();
-  const int base = isHex ? 16 : 10;
-  unsigned int code = 0;
-  bool hasDigit = false;
+  zelcore::detail::TNumericReference number(isHex);
   while (const char c = GetChar()) {
-    const int digit = DigitValue(c);
-    if (digit < base) {
-      code = (code * base + digit) & 0xFF;
-      hasDigit = true;
-    } else if (c != ';') {
+    if (number.Add(c)) continue;
+    if (c != ';') {
       FatalError("Unknown entity reference");
-    } else if (hasDigit) {
-      return Report(static_cast<char>(code));
+    } else if (number.HasDigit()) {
+      return Report(number.Byte());
     } else {
       FatalError("Invalid hex character");  // sic: also for a decimal reference
     }

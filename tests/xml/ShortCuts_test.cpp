@@ -162,8 +162,9 @@ class TDocuments {
 
   void AddText(const std::string& text) {
     if (Often()) return Add({Other(text)});
-    Add({Other(OneOf({text + "&amp;", "\n" + text, text + "<!-- -->" + text, "&#65;", "<?x?>",
-                      std::string(40, 'x')}))});
+    Add({Other(
+        OneOf({text + "&amp;", "\n" + text, text + "<!-- -->" + text, "&#65;", "&lt;&GT;&#x41;",
+               "a&#0;b", "&#x;", "&#65", "&amp", "&nope;", "<?x?>", std::string(40, 'x')}))});
   }
 
   void Damage() {
