@@ -103,11 +103,17 @@ TCIMProperty* PropertiesOf(const TCIMInstance& instance) {
 TCIMValue::TCIMType TypeAt(const TPropertyLayout& layout, std::size_t slot) {
   return layout.Type(slot);
 }
+void ReserveKeys(TCIMReference& path, std::size_t count) { path.GetBody()->Reserve(count); }
 void BindKey(TCIMReference& path, const TCIMPropertyDecl& decl, TCIMValue&& value) {
   path.GetBody()->Bind(decl, std::move(value));
 }
 bool SetFromText(TCIMProperty& property, TCIMValue::TCIMType type, std::string_view text) {
   return property.GetBody()->SetFromText(type, text);
+}
+
+bool SetArray(TCIMProperty& property, TCIMValue::TCIMType elementType, unsigned int maxArraySize,
+              std::vector<TCIMValue>&& elements) {
+  return property.GetBody()->SetArray(elementType, maxArraySize, std::move(elements));
 }
 
 }  // namespace zelcore::detail

@@ -8,7 +8,9 @@
 #include "cim/OrNotFound.h"
 #include "cim/TCIMInstanceImpl.h"
 #include "cim/TCIMPropertyDeclImpl.h"
+#include "cim/TCIMReferenceImpl.h"
 #include "cim/TContainerImpl.h"
+#include "cim/TPathText.h"
 #include "cim/TReferenceIndex.h"
 #include "zelcore/TCIMClass.h"
 #include "zelcore/TCIMReference.h"
@@ -225,12 +227,15 @@ const boost::shared_ptr<const TPropertyLayout>& TCIMClassImpl::Layout() const {
 void TCIMClassImpl::AddInstance(TCIMInstance& instance) {
   TCIMInstanceImpl& body = *instance.GetBody();
   if (body.IsAdded()) return;
-  body.BuildPathText(fPathText);
-  body.SetAdded(fInstances.Add(fPathText, std::unique_ptr<TCIMInstance>(&instance)));
+  TPathText path;
+  body.AppendPath(path);
+  body.SetAdded(fInstances.Add(path.View(), std::unique_ptr<TCIMInstance>(&instance)));
 }
 
 void TCIMClassImpl::RemoveInstance(TCIMInstance& instance) {
-  fInstances.Remove(instance.GetBody()->BuildPathText());
+  TPathText path;
+  instance.GetBody()->AppendPath(path);
+  fInstances.Remove(path.View());
 }
 
 TCIMInstance* TCIMClassImpl::GetInstance(const TCIMReference& path) const {
@@ -238,7 +243,9 @@ TCIMInstance* TCIMClassImpl::GetInstance(const TCIMReference& path) const {
 }
 
 TCIMInstance* TCIMClassImpl::FindInstance(const TCIMReference& path) const {
-  return fInstances.Find(path.GetPath());
+  TPathText text;
+  path.GetBody()->AppendPath(text);
+  return fInstances.Find(text.View());
 }
 
 std::vector<TCIMInstance*> TCIMClassImpl::EnumerateInstances(bool deep) const {

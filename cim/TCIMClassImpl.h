@@ -99,6 +99,5 @@ class ZEL_API TCIMClassImpl : public TCIMElementImpl {
   TAssociationClasses fAssociationClasses;  // those that refer to this class
   std::vector<TCIMClass*> fAssociated;      // the classes whose set this association is in
   TInstanceRegistry fInstances;
-  std::string fPathText;  // of the instance that was added last; for its memory
   mutable std::unique_ptr<TReferenceIndex> fReferenceIndex;  // of fInstances, once it was asked
 };

@@ -4,17 +4,16 @@
 #include <new>
 
 #include "cim/OrNotFound.h"
-#include "cim/PathText.h"
 #include "cim/TCIMClassImpl.h"
 #include "cim/TCIMPropertyImpl.h"
 #include "cim/TContainerImpl.h"
+#include "cim/TPathText.h"
 #include "zelcore/TCIMClass.h"
 #include "zelcore/TCIMDateTime.h"
 #include "zelcore/TContainer.h"
 #include "zelcore/TOSSpecific.h"
 #include "zelcore/detail/Fail.h"
 
-using zelcore::detail::AppendPathText;
 using zelcore::detail::CheckName;
 using zelcore::detail::Fail;
 using zelcore::detail::OrNotFound;
@@ -107,24 +106,15 @@ TCIMReference TCIMInstanceImpl::BuildPath() const {
   return path;
 }
 
-std::string TCIMInstanceImpl::BuildPathText() const {
-  std::string text;
-  BuildPathText(text);
-  return text;
-}
-
-void TCIMInstanceImpl::BuildPathText(std::string& text) const {
+void TCIMInstanceImpl::AppendPath(TPathText& text) const {
   const boost::shared_ptr<const TPropertyLayout>& current = fClass->GetBody()->Layout();
-  if (!HasPlainPath(*current)) {
-    text = BuildPath().GetPath();
-    return;
-  }
-  text = fClass->GetName();
+  if (!HasPlainPath(*current)) return text.Append(BuildPath().GetPath());
+  text.Append(fClass->GetName());
   for (const TPropertyLayout::TPathPart& part : current->PathParts()) {
-    text += part.opening;
-    AppendPathText(text, fProperties[part.slot].GetShownBody().Value());
+    text.Append(part.opening);
+    text.AppendValue(fProperties[part.slot].GetShownBody().Value());
   }
-  if (!current->PathParts().empty()) text += '"';
+  if (!current->PathParts().empty()) text.Append("\"");
 }
 
 // Whether the class is as it was and every key has a value of its type, so that nothing can be

@@ -18,6 +18,7 @@
 
 class TCIMClass;
 class TCIMInstance;
+class TPathText;
 
 class ZEL_API TCIMInstanceImpl : public TCIMElementImpl {
  public:
@@ -55,9 +56,8 @@ class ZEL_API TCIMInstanceImpl : public TCIMElementImpl {
   }
 
   TCIMReference BuildPath() const;
-  // BuildPath().GetPath(), without making the path in between; or in place of `text`.
-  std::string BuildPathText() const;
-  void BuildPathText(std::string& text) const;
+  // Appends BuildPath().GetPath(), without making the path in between.
+  void AppendPath(TPathText& text) const;
 
   // In AssociationTraversal.cpp.
   std::vector<TCIMInstance*> References(const std::string& assocClass,

@@ -4,6 +4,7 @@
 #include <memory>
 #include <string>
 #include <string_view>
+#include <utility>
 #include <vector>
 
 #include "zelcore/TCIMProperty.h"
@@ -45,6 +46,14 @@ class ZEL_API TCIMPropertyImpl {
     if (fHasValue) return false;
     fHasValue = fValue.SetFromText(type, text);
     return fHasValue;
+  }
+
+  // The same of an array.
+  bool SetArray(TCIMValue::TCIMType elementType, unsigned int maxArraySize,
+                std::vector<TCIMValue>&& elements) {
+    if (fHasValue) return false;
+    fValue.Set(elementType, maxArraySize, std::move(elements));
+    return fHasValue = true;
   }
 
   const TCIMValue& PrevValue() const;

@@ -5,8 +5,8 @@
 #include <utility>
 
 #include "cim/OrNotFound.h"
-#include "cim/PathText.h"
 #include "cim/TCIMPropertyDeclImpl.h"
+#include "cim/TPathText.h"
 #include "zelcore/ICIMElement.h"
 #include "zelcore/TCIMClass.h"
 #include "zelcore/TCIMInstance.h"
@@ -15,7 +15,6 @@
 #include "zelcore/detail/Fail.h"
 #include "zelcore/detail/TypeText.h"
 
-using zelcore::detail::AppendPathText;
 using zelcore::detail::Fail;
 using zelcore::detail::OrNotFound;
 using zelcore::detail::Text;
@@ -95,8 +94,6 @@ void TCIMReferenceImpl::CheckBinding(const TCIMPropertyDecl& decl, const std::st
 
 // The first value bound to a name stays.
 void TCIMReferenceImpl::Insert(std::string_view name, TCIMValue&& value) {
-  constexpr std::size_t kFew = 2;
-  if (fBindings.empty()) fBindings.reserve(kFew);
   const auto place = std::lower_bound(
       fBindings.begin(), fBindings.end(), name,
       [](const TKeyBinding& binding, std::string_view n) { return binding.name.View() < n; });
@@ -105,22 +102,22 @@ void TCIMReferenceImpl::Insert(std::string_view name, TCIMValue&& value) {
 }
 
 std::string TCIMReferenceImpl::GetPath() const {
-  std::string path;
+  TPathText path;
   AppendPath(path);
-  return path;
+  return std::string(path.View());
 }
 
-void TCIMReferenceImpl::AppendPath(std::string& text) const {
-  text += GetClass()->GetName();
-  char separator = '.';
+void TCIMReferenceImpl::AppendPath(TPathText& text) const {
+  text.Append(GetClass()->GetName());
+  std::string_view separator = ".";
   for (const TKeyBinding& key : fBindings) {
-    text += separator;
-    text += key.name.View();
-    text += "=\"";
-    AppendPathText(text, key.value);
-    text += '"';
-    separator = ',';
+    text.Append(separator);
+    text.Append(key.name.View());
+    text.Append("=\"");
+    text.AppendValue(key.value);
+    separator = "\",";
   }
+  if (!fBindings.empty()) text.Append("\"");
 }
 
 ICIMElement* TCIMReferenceImpl::GetCIMElement(const TCIMReference& path) const {

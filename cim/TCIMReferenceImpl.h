@@ -9,6 +9,7 @@
 
 class TCIMInstance;
 class TCIMPropertyDecl;
+class TPathText;
 
 class ZEL_API TCIMReferenceImpl {
  public:
@@ -30,10 +31,11 @@ class ZEL_API TCIMReferenceImpl {
   void AddKeyValue(const std::string& name, TCIMValue&& value);
   // The same by the name of `decl`, which is that of the class.
   void Bind(const TCIMPropertyDecl& decl, TCIMValue&& value);
+  void Reserve(std::size_t keys) { fBindings.reserve(keys); }
   const TKeyBindings& KeyBindings() const { return fBindings; }
   bool HasKeyBindings() const { return !fBindings.empty(); }
   std::string GetPath() const;
-  void AppendPath(std::string& text) const;
+  void AppendPath(TPathText& text) const;
   // `path` is the handle.
   ICIMElement* GetCIMElement(const TCIMReference& path) const;
   // The instance that GetCIMElement() would return, or null; nothing is remembered.

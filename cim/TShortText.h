@@ -3,7 +3,6 @@
 #include <cstring>
 #include <string>
 #include <string_view>
-#include <utility>
 
 // A text that does not change, in 24 bytes: a short one stands in it, a long one on the heap.
 class TShortText {
@@ -29,7 +28,10 @@ class TShortText {
   TShortText& operator=(const TShortText&) = delete;
   // Exchanges the two.
   TShortText& operator=(TShortText&& other) noexcept {
-    std::swap(fBytes, other.fBytes);
+    char bytes[sizeof fBytes];
+    std::memcpy(bytes, fBytes, sizeof bytes);
+    std::memcpy(fBytes, other.fBytes, sizeof bytes);
+    std::memcpy(other.fBytes, bytes, sizeof bytes);
     return *this;
   }
   ~TShortText() {

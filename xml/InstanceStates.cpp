@@ -12,6 +12,7 @@ using zelcore::detail::FindSlot;
 using zelcore::detail::kNoSlot;
 using zelcore::detail::LayoutOf;
 using zelcore::detail::PropertiesOf;
+using zelcore::detail::SetArray;
 using zelcore::detail::SetFromText;
 using zelcore::detail::TypeAt;
 
@@ -28,12 +29,6 @@ template <class TUse>
 bool WithDecoded(const TAhead::TText& text, std::string& decoded, TUse&& use) {
   if (!text.hasReferences) return use(text.raw);
   return zelcore::detail::DecodeReferences(text.raw, decoded) && use(std::string_view(decoded));
-}
-
-TCIMValue MakeArray(TCIMType type, unsigned int size, std::vector<TCIMValue>&& elements) {
-  TCIMValue array;
-  array.Set(type, size, std::move(elements));
-  return array;
 }
 
 }  // namespace
@@ -138,8 +133,7 @@ bool TCIMXMLParser::TStateInstance::TakeArray(const TPropertyTag& known, TCIMPro
     const auto set = [&](auto decoded) { return elements[i].SetFromText(type, decoded); };
     if (!WithDecoded(fElements[i], fDecoded, set)) return false;
   }
-  property.SetValue(MakeArray(type, known.arraySize, std::move(elements)));
-  return true;
+  return SetArray(property, type, known.arraySize, std::move(elements));
 }
 
 void TCIMXMLParser::TStateInstance::Remember(const TKnownTag& tag, std::size_t slot,
@@ -220,6 +214,8 @@ void TCIMXMLParser::TStateValueArray::EndElement(TCIMXMLParser& parser, std::str
   // Gathered in one vector for all, kept in one of their number.
   std::vector<TCIMValue> elements(std::make_move_iterator(fElements.begin()),
                                   std::make_move_iterator(fElements.end()));
-  fSlot.Take(MakeArray(fType, fSlot.fMaxArraySize, std::move(elements)));
+  TCIMValue array;
+  array.Set(fType, fSlot.fMaxArraySize, std::move(elements));
+  fSlot.Take(std::move(array));
   TTableState::EndElement(parser, name);
 }

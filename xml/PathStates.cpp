@@ -8,6 +8,7 @@
 #include "zelcore/detail/InPlace.h"
 
 using zelcore::detail::BindKey;
+using zelcore::detail::ReserveKeys;
 using zelcore::detail::Text;
 
 void TCIMXMLParser::TStateLocalNamespacePath::StartElement(TCIMXMLParser& parser,
@@ -49,6 +50,7 @@ void TCIMXMLParser::TStateInstanceName::StartOfClass(TCIMXMLParser& parser,
   fReference->SetClass(*fClass);
   fKeys = &fKeysOfClasses[fClass];
   fExpected = 0;
+  ReserveKeys(*fReference, fKeys->size());
 }
 
 // All of the key, or nothing. Where no more states may be opened, this one has not been kept from

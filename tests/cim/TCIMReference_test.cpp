@@ -2,8 +2,10 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <functional>
 #include <memory>
+#include <random>
 #include <utility>
 
 #include "cim/TCIMReferenceImpl.h"
@@ -163,6 +165,35 @@ TEST_F(TCIMReferenceTest, KeepsTheFirstValueOfEachSpelling) {
   }),
             path.EnumerateKeyBindings());
   EXPECT_EQ("CIM_Foo.NAME=\"third\",Name=\"first\"", path.GetPath());
+}
+
+TEST_F(TCIMReferenceTest, OrdersBindingsByTheBytesOfTheirNamesHoweverTheyCome) {
+  std::vector<std::string> names = {"NAME", "NAMe", "NAmE", "NAme", "Name", "nAME", "name"};
+  std::mt19937 random(5);
+  for (int round = 0; round < 50; ++round) {
+    std::shuffle(names.begin(), names.end(), random);
+    TCIMReference path = Path();
+    TBindings expected;
+    for (const std::string& name : names) {
+      const TCIMValue value(name + std::string(random() % 40, '.'));
+      path.AddKeyValue(name, value);
+      expected.emplace(name, value);
+    }
+    EXPECT_EQ(expected, path.EnumerateKeyBindings());
+    EXPECT_EQ(path, TCIMReference(path));
+  }
+}
+
+TEST_F(TCIMReferenceTest, NamesInstancesByPathsOfAnyLength) {
+  TCIMClass& bar = fSchema.AddClass("CIM_Bar");
+  for (const std::size_t size : {0, 1, 22, 23, 24, 400, 495, 496, 497, 498, 1200, 70000}) {
+    const std::string name(size, 'n');
+    const TCIMInstance& added = fSchema.AddInstance(bar, name);
+    const TCIMReference path = fSchema.PathOf(bar, name);
+    EXPECT_EQ("CIM_Bar.Name=\"" + name + "\"", path.GetPath());
+    EXPECT_EQ(&added, bar.FindInstance(path));
+  }
+  EXPECT_EQ(12U, bar.EnumerateInstances(false).size());
 }
 
 TEST_F(TCIMReferenceTest, IsCopiedDeeplyAndMovedCheaply) {

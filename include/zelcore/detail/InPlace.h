@@ -60,6 +60,12 @@ TCIMValue::TCIMType TypeAt(const TPropertyLayout& layout, std::size_t slot);
 // is a value already, and for references, arrays and datetimes that are bad.
 bool SetFromText(TCIMProperty& property, TCIMValue::TCIMType type, std::string_view text);
 
+// The same of an array of such values; nothing is checked.
+bool SetArray(TCIMProperty& property, TCIMValue::TCIMType elementType, unsigned int maxArraySize,
+              std::vector<TCIMValue>&& elements);
+
+// Makes room for keys.
+void ReserveKeys(TCIMReference& path, std::size_t count);
 // Binds a key by the name of `decl`, which is that of the path's class. Throws as AddKeyValue()
 // does.
 void BindKey(TCIMReference& path, const TCIMPropertyDecl& decl, TCIMValue&& value);
