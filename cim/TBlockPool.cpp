@@ -17,7 +17,17 @@ void* TBlockPool::Reuse(std::size_t size) {
 }
 
 void TBlockPool::Release(void* block, std::size_t size) {
+  --fBlocks;
+  if (fIsAbandoned) {
+    if (fBlocks == 0) delete this;
+    return;
+  }
   TReleased*& last = fReleased[size];
   last = new (block) TReleased{last};
   ASAN_POISON_MEMORY_REGION(block, size);
+}
+
+void TBlockPool::Abandon() {
+  fIsAbandoned = true;
+  if (fBlocks == 0) delete this;
 }

@@ -1,6 +1,5 @@
 #include "zelcore/TCIMInstance.h"
 
-#include <boost/make_shared.hpp>
 #include <utility>
 
 #include "cim/TCIMInstanceImpl.h"
@@ -9,8 +8,7 @@
 
 using zelcore::detail::Fail;
 
-TCIMInstance::TCIMInstance(TCIMClass* cls)
-    : fBody(boost::make_shared<TCIMInstanceImpl>(this, cls)) {}
+TCIMInstance::TCIMInstance(TCIMClass* cls) : fBody(TCIMInstanceImpl::Make(this, cls)) {}
 
 TCIMInstance::TCIMInstance(TCIMInstance&, TCIMClass&) { Fail(zelStatusNotImplemented); }
 

@@ -1,6 +1,7 @@
 #include "cim/TCIMInstanceImpl.h"
 
 #include <algorithm>
+#include <boost/make_shared.hpp>
 #include <new>
 
 #include "cim/OrNotFound.h"
@@ -21,10 +22,9 @@ using zelcore::detail::Text;
 
 static_assert(sizeof(TPropertyHead) % alignof(TCIMProperty) == 0);
 
-TCIMInstanceImpl::TPropertyBlock::TPropertyBlock(const TPropertyLayout& layout,
-                                                 const boost::shared_ptr<TBlockPool>& memory)
-    : fMemory(memory), fSize(static_cast<std::uint32_t>(layout.Size())) {
-  auto* const head = new (fMemory->Allocate(MemorySize())) TPropertyHead{fMemory.get(), {}};
+TCIMInstanceImpl::TPropertyBlock::TPropertyBlock(const TPropertyLayout& layout, TBlockPool& memory)
+    : fSize(static_cast<std::uint32_t>(layout.Size())) {
+  auto* const head = new (memory.Allocate(MemorySize())) TPropertyHead{&memory, {}};
   fProperties = reinterpret_cast<TCIMProperty*>(head + 1);
   TCIMProperty* next = fProperties;
   for (TCIMPropertyImpl& shared : layout.SharedBodies()) new (next++) TCIMProperty(shared);
@@ -33,19 +33,26 @@ TCIMInstanceImpl::TPropertyBlock::TPropertyBlock(const TPropertyLayout& layout,
 TCIMInstanceImpl::TPropertyBlock::~TPropertyBlock() {
   std::destroy_n(fProperties, fSize);
   TPropertyHead& head = Head();
+  TBlockPool& memory = *head.memory;
   head.~TPropertyHead();
-  fMemory->Release(&head, MemorySize());
+  memory.Release(&head, MemorySize());
 }
 
 std::size_t TCIMInstanceImpl::TPropertyBlock::MemorySize() const {
   return sizeof(TPropertyHead) + fSize * sizeof(TCIMProperty);
 }
 
-TCIMInstanceImpl::TCIMInstanceImpl(TCIMInstance* owner, TCIMClass* cls)
+boost::shared_ptr<TCIMInstanceImpl> TCIMInstanceImpl::Make(TCIMInstance* owner, TCIMClass* cls) {
+  TBlockPool& memory = cls->GetContainer()->GetBody()->InstanceMemory();
+  return boost::allocate_shared<TCIMInstanceImpl>(TBlockPoolAllocator<TCIMInstanceImpl>(memory),
+                                                  owner, cls, memory);
+}
+
+TCIMInstanceImpl::TCIMInstanceImpl(TCIMInstance* owner, TCIMClass* cls, TBlockPool& memory)
     : fOwner(owner),
       fClass(cls),
       fLayout(cls->GetBody()->Layout()),
-      fProperties(*fLayout, cls->GetContainer()->GetBody()->InstanceMemory()),
+      fProperties(*fLayout, memory),
       fAdded(false),
       fPathHash(0) {
   const std::size_t stamp = fLayout->StampSlot();

@@ -22,7 +22,10 @@ class TPathText;
 
 class ZEL_API TCIMInstanceImpl : public TCIMElementImpl {
  public:
-  TCIMInstanceImpl(TCIMInstance* owner, TCIMClass* cls);
+  // In the memory of the class's container.
+  static boost::shared_ptr<TCIMInstanceImpl> Make(TCIMInstance* owner, TCIMClass* cls);
+  // `memory` must outlive the instance.
+  TCIMInstanceImpl(TCIMInstance* owner, TCIMClass* cls, TBlockPool& memory);
   ~TCIMInstanceImpl() override;
   TCIMInstanceImpl(const TCIMInstanceImpl&) = delete;
   TCIMInstanceImpl& operator=(const TCIMInstanceImpl&) = delete;
@@ -76,7 +79,7 @@ class ZEL_API TCIMInstanceImpl : public TCIMElementImpl {
   // the layout until they get values; their own are made in the same memory.
   class TPropertyBlock {
    public:
-    TPropertyBlock(const TPropertyLayout& layout, const boost::shared_ptr<TBlockPool>& memory);
+    TPropertyBlock(const TPropertyLayout& layout, TBlockPool& memory);
     ~TPropertyBlock();
     TPropertyBlock(const TPropertyBlock&) = delete;
     TPropertyBlock& operator=(const TPropertyBlock&) = delete;
@@ -87,7 +90,6 @@ class ZEL_API TCIMInstanceImpl : public TCIMElementImpl {
    private:
     std::size_t MemorySize() const;
 
-    boost::shared_ptr<TBlockPool> fMemory;
     TCIMProperty* fProperties;
     std::uint32_t fSize;
   };

@@ -1,7 +1,6 @@
 #include "cim/TContainerImpl.h"
 
 #include <algorithm>
-#include <boost/make_shared.hpp>
 #include <cassert>
 #include <utility>
 
@@ -43,7 +42,7 @@ auto GetFrom(TRegistry& registry, const std::string& name) {
 }  // namespace
 
 TContainerImpl::TContainerImpl(TContainer* owner)
-    : fOwner(owner), fInstanceMemory(boost::make_shared<TBlockPool>()), fIsDiff(false) {}
+    : fOwner(owner), fInstanceMemory(TBlockPool::Make()), fIsDiff(false) {}
 
 TContainerImpl::~TContainerImpl() = default;
 

@@ -37,8 +37,8 @@ class ZEL_API TContainerImpl {
   std::vector<TCIMQualifierDecl*> EnumerateQualifiers() const;
   void RemoveQualifierDecl(TCIMQualifierDecl& decl);
 
-  // What the properties of instances stand in; the instances keep it.
-  const boost::shared_ptr<TBlockPool>& InstanceMemory() const { return fInstanceMemory; }
+  // What instances and their properties stand in. It lasts as long as they.
+  TBlockPool& InstanceMemory() const { return *fInstanceMemory; }
 
   std::vector<TCIMClass*> PopulateContainerFromFile(const std::string& path);
 
@@ -62,7 +62,7 @@ class ZEL_API TContainerImpl {
   TRegistry<TCIMQualifierDecl> fQualifierDecls;
   std::unique_ptr<TCIMClass> fRootClass;
   TRegistry<TCIMClass> fClasses;
-  boost::shared_ptr<TBlockPool> fInstanceMemory;
+  TBlockPool::TOwner fInstanceMemory;  // abandoned before its instances go: that is quicker
   bool fIsDiff;
   std::vector<TCIMInstance*> fDiffInstances;
 };

@@ -21,9 +21,7 @@ std::uint32_t TInstanceRegistry::MakeEntry(std::string_view path,
 
 std::uint32_t TInstanceRegistry::Add(std::string_view path,
                                      std::unique_ptr<TCIMInstance> instance) {
-  if (4 * (fPaths + 1) > 3 * fPlaces.size()) {
-    Rehash(std::max<std::size_t>(8, 2 * fPlaces.size()));
-  }
+  if (5 * (fPaths + 1) > 4 * fPlaces.size()) Grow();
   const std::uint32_t hash = Hash(path);
   TPlace& place = fPlaces[PlaceOf(path, hash)];
   const std::uint32_t entry = MakeEntry(path, std::move(instance));
@@ -93,39 +91,54 @@ std::uint32_t TInstanceRegistry::Hash(std::string_view path) {
   return static_cast<std::uint32_t>(hash ^ (hash >> 32));
 }
 
+// By the hash as a fraction: so there may be any number of places.
+std::size_t TInstanceRegistry::FirstPlace(std::uint32_t hash) const {
+  return static_cast<std::size_t>((std::uint64_t{hash} * fPlaces.size()) >> 32);
+}
+
+std::size_t TInstanceRegistry::NextPlace(std::size_t place) const {
+  return place + 1 == fPlaces.size() ? 0 : place + 1;
+}
+
+// How often NextPlace() leads from the one to the other.
+std::size_t TInstanceRegistry::CountSteps(std::size_t from, std::size_t to) const {
+  return to >= from ? to - from : to + fPlaces.size() - from;
+}
+
 // Where the path stands, or is to stand.
 std::size_t TInstanceRegistry::PlaceOf(std::string_view path, std::uint32_t hash) const {
-  const std::size_t mask = fPlaces.size() - 1;
-  std::size_t place = hash & mask;
+  std::size_t place = FirstPlace(hash);
   while (fPlaces[place].entry != kNone) {
     if (fPlaces[place].hash == hash && Entry(fPlaces[place].entry).Path() == path) break;
-    place = (place + 1) & mask;
+    place = NextPlace(place);
   }
   return place;
 }
 
-void TInstanceRegistry::Rehash(std::size_t places) {
+// Makes half as many places more: the fewer are empty, the more of the others are cached.
+void TInstanceRegistry::Grow() {
+  constexpr std::size_t kFirst = 8;
+  const std::size_t places = std::max(kFirst, fPlaces.size() + fPlaces.size() / 2);
   const TPlaces old = std::exchange(fPlaces, TPlaces(places));
   for (const TPlace& moved : old) {
     if (moved.entry == kNone) continue;
-    std::size_t place = moved.hash & (places - 1);
-    while (fPlaces[place].entry != kNone) place = (place + 1) & (places - 1);
+    std::size_t place = FirstPlace(moved.hash);
+    while (fPlaces[place].entry != kNone) place = NextPlace(place);
     fPlaces[place] = moved;
   }
 }
 
 // Empties a place and closes the gap, so that no search ends at it too early.
 void TInstanceRegistry::ForgetPlace(std::size_t place) {
-  const std::size_t mask = fPlaces.size() - 1;
   std::size_t next = place;
   for (;;) {
     fPlaces[place] = TPlace();
-    std::size_t home;
+    std::size_t first;
     do {
-      next = (next + 1) & mask;
+      next = NextPlace(next);
       if (fPlaces[next].entry == kNone) return;
-      home = fPlaces[next].hash & mask;
-    } while (((next - home) & mask) < ((next - place) & mask));
+      first = FirstPlace(fPlaces[next].hash);
+    } while (CountSteps(first, next) < CountSteps(place, next));
     fPlaces[place] = fPlaces[next];
     place = next;
   }

@@ -65,7 +65,10 @@ class ZEL_API TInstanceRegistry {
   TEntry& Entry(std::uint32_t piece) const { return *static_cast<TEntry*>(fMemory.At(piece)); }
   std::uint32_t MakeEntry(std::string_view path, std::unique_ptr<TCIMInstance> instance);
   std::size_t PlaceOf(std::string_view path, std::uint32_t hash) const;
-  void Rehash(std::size_t places);
+  std::size_t FirstPlace(std::uint32_t hash) const;
+  std::size_t NextPlace(std::size_t place) const;
+  std::size_t CountSteps(std::size_t from, std::size_t to) const;
+  void Grow();
   void ForgetPlace(std::size_t place);
   void Compact();
   void SortByPath(std::vector<std::uint32_t>& entries) const;
