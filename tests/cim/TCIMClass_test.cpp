@@ -5,6 +5,7 @@
 #include <algorithm>
 #include <map>
 #include <memory>
+#include <random>
 #include <set>
 #include <unordered_map>
 
@@ -433,6 +434,34 @@ TEST(TCIMClass, TellsApartInstancesOfPathsWhoseHashesAreAlike) {
   EXPECT_EQ(&second, fan.FindInstance(schema.PathOf(fan, name)));
   fan.RemoveInstance(first);
   EXPECT_EQ(&second, fan.FindInstance(schema.PathOf(fan, name)));
+}
+
+TEST(TCIMClass, FindsWhatIsThereAfterAnyChanges) {
+  Schema schema;
+  TCIMClass& fan = schema.AddClass("ACME_Fan");
+  std::map<std::string, TCIMInstance*> first;  // of each name
+  std::mt19937 random(11);
+  const auto makeName = [&] { return std::to_string(random() % 900); };
+  for (int step = 0; step < 30000; ++step) {
+    const std::string name = makeName();
+    // More come than go, and the other way round, in turn.
+    const bool isGrowing = step / 5000 % 2 == 0;
+    if (random() % 4 < (isGrowing ? 3 : 1)) {
+      TCIMInstance& instance = schema.AddInstance(fan, name);
+      first.emplace(name, &instance);
+    } else if (const auto gone = first.find(name); gone != first.end()) {
+      fan.RemoveInstance(*gone->second);
+      first.erase(gone);
+    }
+    const std::string sought = makeName();
+    const auto expected = first.find(sought);
+    ASSERT_EQ(expected == first.end() ? nullptr : expected->second,
+              fan.FindInstance(schema.PathOf(fan, sought)))
+        << step;
+  }
+  for (const auto& [name, instance] : first) {
+    EXPECT_EQ(instance, fan.FindInstance(schema.PathOf(fan, name)));
+  }
 }
 
 TEST(TCIMClass, ListsInstancesOfSubclassesAfterItsOwn) {
