@@ -162,6 +162,30 @@ TEST(TCIMXMLWriterValues, EscapesWhatXmlCannotHoldAndGivesItBack) {
   }
 }
 
+TEST(TCIMXMLWriterValues, EscapesWhereverItStands) {
+  const std::pair<std::string, std::string> pairs[] = {
+      {"&",        "&amp;"   },
+      {"<",        "&lt;"    },
+      {">",        "&gt;"    },
+      {"\r",       "&#13;"   },
+      {"\x80",     "&#128;"  },
+      {"\x01",     "&#57345;"},
+      {"\x7f",     "\x7f"    },
+      {"\xc3\xa9", "\xc3\xa9"}
+  };
+  Thing thing(Property("string"));
+  for (const auto& [byte, written] : pairs) {
+    for (std::size_t size = 0; size <= 40; ++size) {
+      for (std::size_t at = 0; at <= size; ++at) {
+        const std::string before(at, 'b');
+        const std::string behind(size - at, '~');
+        thing.fInstance->SetPropertyValue("V", TCIMValue(before + byte + behind));
+        ASSERT_EQ("<VALUE>" + before + written + behind + "</VALUE>", thing.WriteValue());
+      }
+    }
+  }
+}
+
 TEST(TCIMXMLWriterValues, EscapesKeysAndDefaultsToo) {
   Zoo zoo;
   ASSERT_EQ("zelStatusOK",
