@@ -40,11 +40,12 @@ class TAhead {
     while (zelcore::detail::IsAsciiAlnum(*fAt) || *fAt == '_') ++fAt;
     return {name, static_cast<std::size_t>(fAt - name)};
   }
-  // Passes over text up to the next '<' or NUL.
+  // Text as the document has it.
   struct TText {
     std::string_view raw;
-    bool hasReferences;  // it must be decoded
+    bool hasReferences;  // that must be decoded
   };
+  // Passes over text up to the next '<' or NUL.
   [[gnu::always_inline]] TText TakeText() {
     char* const text = fAt;
     fAt = FindTextEnd(text, fEnd);

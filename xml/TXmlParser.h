@@ -94,8 +94,8 @@ class ZEL_API TXmlParser {
     kElement,   // the element has been read to its end
   };
   // Takes what stands `ahead`, behind a '<', if the subclass knows it, and leaves it as it would
-  // stand there when it had been read. StartTag() does not hear of it then, nor of an element all
-  // the rest.
+  // stand there when it had been read. StartTag() does not hear of it then; of a whole element,
+  // nobody does.
   virtual EKnown TakeKnown(TAhead& /*ahead*/) { return EKnown::kNothing; }
 
   // What the open element is good for.

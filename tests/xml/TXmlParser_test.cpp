@@ -4,6 +4,7 @@
 #include <gtest/gtest.h>
 
 #include <chrono>
+#include <cstring>
 #include <functional>
 #include <list>
 #include <map>
@@ -741,7 +742,8 @@ class TQuickReader : public TRecorder {
       if (!ahead.IsAt(known.tag.text)) continue;
       Tell(known.event);
       ahead.Put(known.tag.read);
-      return EKnown::kStartTag;
+      return TakeRest(known.event.substr(std::strlen("start ")), ahead) ? EKnown::kElement
+                                                                        : EKnown::kStartTag;
     }
     return EKnown::kNothing;
   }
@@ -752,6 +754,18 @@ class TQuickReader : public TRecorder {
   }
 
  private:
+  // Of an element with nothing but one run of text in it, or nothing.
+  bool TakeRest(const std::string& tag, TAhead& ahead) {
+    const std::string name = tag.substr(0, tag.find(' '));
+    TAhead behind = ahead;
+    const TAhead::TText text = behind.TakeText();
+    if (text.hasReferences || !behind.Take("</" + name + ">")) return false;
+    if (!text.raw.empty()) Tell("text " + std::string(text.raw));
+    Tell("end " + name);
+    ahead = behind;
+    return true;
+  }
+
   struct TKnown {
     TKnownTag tag;
     std::string event;
