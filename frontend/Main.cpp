@@ -132,6 +132,19 @@ class TCommandLine {
   bool fAsManual = false;
 };
 
+// In the words of the parser, but where they are hard to read.
+std::string Explain(const CLI::App& command, const CLI::ParseError& error) {
+  const std::vector<std::string> rest = command.remaining();
+  if (!rest.empty()) return fmt::format("unexpected argument '{}'", rest.front());
+  const std::string text = error.what();
+  const CLI::Option* const option =
+      error.get_name() == "ArgumentMismatch"
+          ? command.get_option_no_throw(text.substr(0, text.find(':')))
+          : nullptr;
+  return option ? fmt::format("{} needs a value: {}", option->get_name(), option->get_type_name())
+                : text;
+}
+
 // Why the words of the command line were refused.
 TCommandError UsageError(const CLI::App& program, const std::vector<std::string>& words,
                          const CLI::ParseError& error) {
@@ -147,7 +160,7 @@ TCommandError UsageError(const CLI::App& program, const std::vector<std::string>
   const std::vector<std::string> rest = command.remaining();
   const auto unknown = std::find_if(rest.begin(), rest.end(), isOption);
   if (unknown != rest.end()) return UnknownOption(command, *unknown, help);
-  return {kExitUsage, fmt::format("{}; {}", error.what(), help)};
+  return {kExitUsage, fmt::format("{}; {}", Explain(command, error), help)};
 }
 
 TExitCode ParseAndRun(int argc, const char* const* argv, TStreams& streams) {

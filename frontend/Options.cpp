@@ -1,5 +1,6 @@
 #include "frontend/Options.h"
 
+#include <charconv>
 #include <chrono>
 #include <cstdint>
 
@@ -36,10 +37,13 @@ void AddSchemaOptions(CLI::App& command, TCollectionOptions& options) {
 void AddSeconds(CLI::App& command, const std::string& name, std::chrono::milliseconds& value,
                 const std::string& text) {
   command
-      .add_option_function<double>(
+      .add_option_function<std::string>(
           name,
-          [&value, name](double seconds) {
-            if (!(0.1 <= seconds && seconds <= 86400)) {  // nor not a number
+          [&value, name](const std::string& word) {
+            double seconds = 0;
+            const char* const end = word.data() + word.size();
+            const bool isNumber = std::from_chars(word.data(), end, seconds).ptr == end;
+            if (!isNumber || !(0.1 <= seconds && seconds <= 86400)) {  // nor not a number
               throw CLI::ValidationError(name, "takes seconds, from 0.1 to 86400");
             }
             value = std::chrono::milliseconds(static_cast<std::int64_t>(seconds * 1000));
