@@ -95,6 +95,25 @@ TEST(Get, RefusesWhatIsNoProperty) {
   EXPECT_EQ(2, file.Get({"A.b", "C.d"}).code);
 }
 
+// So many that the message would be no help.
+TEST(Get, NamesNoMoreThanFortyProperties) {
+  const TempDir dir;
+  for (const int count : {40, 41}) {
+    std::string properties = document::Key("Id");
+    for (int i = 1; i < count; ++i)
+      properties += document::Declare("P" + std::to_string(i), "string");
+    const std::string file =
+        dir.WriteFile("large.xml", document::Document(document::Class("T_Large", properties)));
+    const std::string message = Zel({"get", file, "T_Large.Other"}).err;
+    const std::string start = "zel: no property 'Other' in T_Large; ";
+    if (count == 40) {
+      EXPECT_EQ(0U, message.find(start + "there are Id, P1, P10, ")) << message;
+    } else {
+      EXPECT_EQ(start + "'zel schema T_Large' lists them\n", message);
+    }
+  }
+}
+
 TEST(Get, SaysWhyAFileCannotBeRead) {
   const TResult result = Zel({"get", "/nowhere/a.xml", "Acme_Disk.Id"});
   EXPECT_EQ(4, result.code);

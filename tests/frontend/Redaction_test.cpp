@@ -232,6 +232,22 @@ TEST(Redact, MakesOtherValuesNull) {
   EXPECT_EQ("1", zel::TextOf(box, "Id"));
 }
 
+TEST(Redact, KeepsTheSizesOfArrays) {
+  const auto sized = [](const char* name, const char* type) {
+    return "<PROPERTY.ARRAY NAME=\"" + std::string(name) + "\" TYPE=\"" + type +
+           "\" ARRAYSIZE=\"4\"><VALUE.ARRAY><VALUE>1</VALUE></VALUE.ARRAY></PROPERTY.ARRAY>\n";
+  };
+  TInventory inventory = ReadDocument(
+      Class("T_Box", Key("Id") + Declare("Numbers", "uint8[]", kSensitive) +
+                         Declare("Texts", "string[]", kSensitive)) +
+      Instance("T_Box", Set("Id", "1") + sized("Numbers", "uint8") + sized("Texts", "string")));
+  Redact({&inventory}, kKey);
+  for (const char* name : {"Numbers", "Texts"}) {
+    const TCIMValue value = InstanceOf(inventory, "T_Box").GetProperty(name)->GetValue();
+    EXPECT_EQ(4U, value.GetMaxArraySize()) << name;
+  }
+}
+
 // Keys must have a value, one for each of them.
 TEST(Redact, GivesOtherKeysAnotherValue) {
   for (const char* type : {"uint16", "sint16", "uint32", "sint32", "uint64", "sint64", "real64"}) {
