@@ -1,6 +1,5 @@
 #include "zelcore/detail/InPlace.h"
 
-#include <algorithm>
 #include <utility>
 
 #include "cim/TCIMInstanceImpl.h"
@@ -31,63 +30,6 @@ std::size_t CountKeys(const TCIMReference& path) { return path.GetBody()->KeyBin
 TKey KeyAt(const TCIMReference& path, std::size_t number) {
   const TKeyBinding& key = path.GetBody()->KeyBindings()[number];
   return {key.name.View(), key.value};
-}
-
-namespace {
-
-void Fetch(const void* from, std::size_t size) {
-  constexpr std::size_t kLine = 64;
-  const auto* const bytes = static_cast<const char*>(from);
-  for (std::size_t at = 0; at < size; at += kLine) __builtin_prefetch(bytes + at);
-  __builtin_prefetch(bytes + size - 1);
-}
-
-// What a value keeps elsewhere.
-void FetchDataOf(const TCIMValue& value) {
-  constexpr std::size_t kMost = 256;
-  if (value.IsNull()) return;
-  if (value.IsArray()) {
-    const std::vector<TCIMValue>& elements = value;
-    Fetch(elements.data(), std::min(elements.size() * sizeof(TCIMValue) + 1, kMost));
-  } else if (value.IsReference()) {
-    Fetch(ReferenceOf(value).GetBody().get(), sizeof(TCIMReferenceImpl));
-  } else if (value.GetType() == TCIMValue::TCIMType::TypeString) {
-    const std::string_view text = TextOf(value);
-    Fetch(text.data(), std::min(text.size() + 1, kMost));
-  }
-}
-
-}  // namespace
-
-// Each step looks at what the one before it, some instances earlier, has asked for.
-void FetchAhead(const std::vector<TCIMInstance*>& instances, std::size_t place) {
-  constexpr std::size_t kDistance = 2;
-  const auto visit = [&](std::size_t step, auto&& look) {
-    const std::size_t at = place + step * kDistance;
-    if (at < instances.size()) look(*instances[at]);
-  };
-  const auto visitBodies = [](const TCIMInstance& instance, auto&& look) {
-    const TCIMInstanceImpl& body = *instance.GetBody();
-    for (std::size_t slot = 0; slot < body.Layout()->Size(); ++slot) {
-      look(body.PropertyAt(slot).GetShownBody());
-    }
-  };
-  visit(5, [](const TCIMInstance& instance) { Fetch(&instance, sizeof instance); });
-  visit(4, [](const TCIMInstance& instance) {
-    Fetch(instance.GetBody().get(), sizeof(TCIMInstanceImpl));
-  });
-  visit(3, [](const TCIMInstance& instance) {
-    const TCIMInstanceImpl& body = *instance.GetBody();
-    Fetch(&body.PropertyAt(0), body.Layout()->Size() * sizeof(TCIMProperty) + 1);
-  });
-  visit(2, [&](const TCIMInstance& instance) {
-    visitBodies(instance, [](const TCIMPropertyImpl& body) { Fetch(&body, sizeof body); });
-  });
-  visit(1, [&](const TCIMInstance& instance) {
-    visitBodies(instance, [](const TCIMPropertyImpl& body) {
-      if (body.HasValue()) FetchDataOf(body.Value());
-    });
-  });
 }
 
 const boost::shared_ptr<const TPropertyLayout>& LayoutOf(const TCIMInstance& instance) {

@@ -22,6 +22,7 @@
 #include "zelcore/TCIMValue.h"
 #include "zelcore/TContainer.h"
 #include "zelcore/detail/Fail.h"
+#include "zelcore/detail/FetchAhead.h"
 #include "zelcore/detail/InPlace.h"
 #include "zelcore/detail/TypeText.h"
 

@@ -28,11 +28,6 @@ const TCIMReference& ReferenceOf(const TCIMValue& value);
 // As TCIMDateTime::ToString(), of a datetime that is not NULL; "" for one that is not set.
 std::string DateTimeTextOf(const TCIMValue& value);
 
-// Asks for the memory of the instances behind the one at `place`, which are to be looked at next.
-// In their order they are all over the memory: without this, most of the time passes waiting for
-// it.
-void FetchAhead(const std::vector<TCIMInstance*>& instances, std::size_t place);
-
 // The keys of a path, in their order.
 struct TKey {
   std::string_view name;
