@@ -24,10 +24,11 @@ static_assert(sizeof(TPropertyHead) % alignof(TCIMProperty) == 0);
 
 TCIMInstanceImpl::TPropertyBlock::TPropertyBlock(const TPropertyLayout& layout, TBlockPool& memory)
     : fSize(static_cast<std::uint32_t>(layout.Size())) {
+  std::deque<TCIMPropertyImpl>& bodies = layout.SharedBodies();  // may throw
   auto* const head = new (memory.Allocate(MemorySize())) TPropertyHead{&memory, {}};
   fProperties = reinterpret_cast<TCIMProperty*>(head + 1);
   TCIMProperty* next = fProperties;
-  for (TCIMPropertyImpl& shared : layout.SharedBodies()) new (next++) TCIMProperty(shared);
+  for (TCIMPropertyImpl& body : bodies) new (next++) TCIMProperty(body);
 }
 
 TCIMInstanceImpl::TPropertyBlock::~TPropertyBlock() {
