@@ -4,7 +4,6 @@
 #include <string_view>
 
 #include "zelcore/detail/Ascii.h"
-#include "zelcore/detail/SameText.h"
 
 // CIM names: a letter or underscore, then letters, digits and underscores (ASCII); compared without
 // regard to case.
@@ -28,7 +27,7 @@ struct TNameHash {
 };
 struct TNameEqual {
   bool operator()(std::string_view a, std::string_view b) const {
-    return IsSameText(a, b) || EqualsIgnoringAsciiCase(a, b);
+    return EqualsIgnoringAsciiCase(a, b);
   }
 };
 

@@ -64,7 +64,7 @@ class TCIMXMLParser::TStateInstance : public TTableState, public IQualifierTarge
   TPropertyTags* fTags = nullptr;        // of this instance's class
   std::size_t* fExpected = nullptr;      // the slot of the next property, in fTags
   std::vector<TAhead::TText> fElements;  // of the array that is being read
-  std::string fDecoded;
+  std::string fDecoded;                  // a text of it, or of the value
 };
 
 class TCIMXMLParser::TStateProperty : public TTableState,

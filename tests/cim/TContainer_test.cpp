@@ -2,6 +2,7 @@
 
 #include <gtest/gtest.h>
 
+#include <cctype>
 #include <memory>
 
 #include "cim/TContainerImpl.h"
@@ -119,6 +120,26 @@ TEST(TContainer, FindsClassesInAnyCase) {
   EXPECT_EQ("zelStatusNotFound", StatusOf([&] { schema.Container().GetClass("CIM_Fo"); }));
   EXPECT_TRUE(LogLines().empty());
   EXPECT_EQ("zelStatusInvalidCIMName", StatusOf([&] { schema.Container().FindClass("a-b"); }));
+}
+
+// Names are told apart from one another and found whatever their length: no part of one is left
+// out.
+TEST(TContainer, FindsClassesOfNamesOfEveryLength) {
+  Schema schema;
+  TContainer& container = schema.Container();
+  std::vector<std::string> names;
+  for (std::size_t size = 1; size <= 140; ++size) {
+    names.push_back(std::string(size - 1, 'n') + "B");
+    names.push_back("c_" + std::string(size, '9'));
+  }
+  for (const std::string& name : names) schema.AddClass(name);
+  for (const std::string& name : names) {
+    std::string swapped = name;
+    for (char& c : swapped) c = static_cast<char>(std::isalpha(c) ? c ^ ' ' : c);
+    EXPECT_EQ(name, container.GetClass(name)->GetName());
+    ASSERT_NE(nullptr, container.FindClass(swapped)) << swapped;
+    EXPECT_EQ(name, container.FindClass(swapped)->GetName());
+  }
 }
 
 TEST(TContainer, LeavesADuplicateClassWithItsMaker) {
